@@ -1,0 +1,529 @@
+#include "CommonSubsequence.h"
+
+#include <algorithm>
+#include <bit>
+#include <cassert>
+#include <cmath>
+#include <limits>
+#include <optional>
+#include <stdexcept>
+
+namespace SeqDiff {
+
+namespace {
+
+using Index = std::int32_t;
+using Word = std::uint64_t;
+
+constexpr Index kNone = -1;
+
+// The problem after the lines that cannot match have been left out. Such a line changes no
+// length of any common subsequence, so the walk back passes it by and the choice among the
+// others stays the same. Ids are renumbered from 0 so that tables by id stay small.
+struct Reduced
+{
+    std::vector<Index> a, b; // compact ids
+    std::vector<Index> fromA, fromB; // positions in the input
+    Index ids = 0;
+    std::vector<Index> countB; // per compact id, its lines in b
+};
+
+Reduced reduce(std::span<const LineId> a, std::span<const LineId> b)
+{
+    LineId top = 0;
+    for (LineId id : a)
+        top = std::max(top, id);
+    for (LineId id : b)
+        top = std::max(top, id);
+    std::vector<std::uint8_t> inA(std::size_t(top) + 1, 0);
+    for (LineId id : a)
+        inA[id] = 1;
+    std::vector<Index> compact(std::size_t(top) + 1, kNone);
+
+    Reduced r;
+    for (std::size_t j = 0; j < b.size(); ++j) {
+        if (!inA[b[j]])
+            continue;
+        Index& c = compact[b[j]];
+        if (c == kNone) {
+            c = r.ids++;
+            r.countB.push_back(0);
+        }
+        ++r.countB[c];
+        r.b.push_back(c);
+        r.fromB.push_back(static_cast<Index>(j));
+    }
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        const Index c = compact[a[i]];
+        if (c == kNone)
+            continue;
+        r.a.push_back(c);
+        r.fromA.push_back(static_cast<Index>(i));
+    }
+    return r;
+}
+
+// ---- threshold table ---------------------------------------------------------------------
+
+std::vector<Index> byThreshold(std::span<const Index> a, std::span<const Index> b, Index ids)
+{
+    // Where each id stands in b, ascending, one slice per id.
+    std::vector<Index> start(std::size_t(ids) + 1, 0);
+    for (Index c : b)
+        ++start[std::size_t(c) + 1];
+    for (Index c = 0; c < ids; ++c)
+        start[std::size_t(c) + 1] += start[std::size_t(c)];
+    std::vector<Index> positions(b.size());
+    {
+        std::vector<Index> fill(start.begin(), start.end() - 1);
+        for (std::size_t j = 0; j < b.size(); ++j)
+            positions[std::size_t(fill[std::size_t(b[j])]++)] = static_cast<Index>(j);
+    }
+
+    struct Link
+    {
+        Index prev, i, j;
+    };
+    std::vector<Index> thresh; // per key: the smallest j that ends a chain of key + 1 pairs
+    std::vector<Index> linkAt; // per key: the link written with its threshold
+    std::vector<Link> links;
+
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        const Index c = a[i];
+        Index k = kNone;
+        for (Index p = start[std::size_t(c) + 1] - 1; p >= start[std::size_t(c)]; --p) {
+            const Index j = positions[std::size_t(p)];
+            Index key;
+            if (k > 0 && thresh[std::size_t(k)] > j && thresh[std::size_t(k) - 1] < j) {
+                key = k;
+            } else {
+                const Index high = k > 0 ? k : static_cast<Index>(thresh.size()) - 1;
+                if (high == kNone || thresh.back() < j) {
+                    key = static_cast<Index>(thresh.size());
+                    thresh.push_back(j);
+                    linkAt.push_back(kNone);
+                } else {
+                    const auto end = thresh.begin() + high + 1;
+                    const auto at = std::lower_bound(thresh.begin(), end, j);
+                    key = static_cast<Index>(at - thresh.begin());
+                    if (*at == j)
+                        key = kNone;
+                }
+            }
+            k = key;
+            if (key == kNone)
+                continue;
+            thresh[std::size_t(key)] = j;
+            const Index prev = key > 0 ? linkAt[std::size_t(key) - 1] : kNone;
+            linkAt[std::size_t(key)] = static_cast<Index>(links.size());
+            links.push_back({prev, static_cast<Index>(i), j});
+        }
+    }
+
+    std::vector<Index> match(a.size(), kNone);
+    if (!thresh.empty()) {
+        for (Index l = linkAt.back(); l != kNone; l = links[std::size_t(l)].prev)
+            match[std::size_t(links[std::size_t(l)].i)] = links[std::size_t(l)].j;
+    }
+    return match;
+}
+
+// ---- furthest-reaching paths -------------------------------------------------------------
+//
+// x runs along a, y along b, diagonal k = x - y. After d edits (lines left unmatched on either
+// side), the points a diagonal reaches form a prefix of it, up to the furthest one. So the
+// number of edits to any point is known from the waves of furthest points, which is all the walk
+// back needs: a step left or up is allowed exactly when it saves one edit.
+
+class Waves
+{
+public:
+    Waves(std::span<const Index> a, std::span<const Index> b, std::size_t fullEntries)
+        : a(a)
+        , b(b)
+        , n(static_cast<Index>(a.size()))
+        , m(static_cast<Index>(b.size()))
+        , fullEntries(fullEntries)
+        , blockEntries(std::max<std::size_t>(fullEntries / 4, 1024))
+    {
+    }
+
+    // Runs forward until both ends are reached; returns the number of edits, or nothing when
+    // the work went past `budget`.
+    std::optional<Index> run(std::uint64_t budget)
+    {
+        std::uint64_t work = 0;
+        std::vector<Index> wave;
+        advance(0, nullptr, wave, work);
+        for (Index d = 0;; ++d) {
+            const Index k = n - m;
+            const bool done = has(d, k) && wave[slot(d, k)] >= n;
+            keep(d, wave, done);
+            if (done)
+                return d;
+            if (work > budget)
+                return std::nullopt;
+            std::vector<Index> next;
+            advance(d + 1, &wave, next, work);
+            wave = std::move(next);
+        }
+    }
+
+    // The wave after d edits; asked for with d going down.
+    const std::vector<Index>& at(Index d)
+    {
+        if (!stored[std::size_t(d)].empty())
+            return stored[std::size_t(d)];
+        // Recompute from the checkpoint below, dropping what was recomputed for higher d.
+        for (Index r : recomputed)
+            if (r > d)
+                std::vector<Index>().swap(stored[std::size_t(r)]);
+        recomputed.clear();
+        Index c = d - 1;
+        while (stored[std::size_t(c)].empty())
+            --c;
+        std::uint64_t work = 0;
+        for (Index e = c + 1; e <= d; ++e) {
+            advance(e, &stored[std::size_t(e) - 1], stored[std::size_t(e)], work);
+            recomputed.push_back(e);
+        }
+        return stored[std::size_t(d)];
+    }
+
+    bool has(Index d, Index k) const { return k >= low(d) && k <= high(d); }
+    std::size_t slot(Index d, Index k) const { return std::size_t((k - low(d)) / 2); }
+
+private:
+    Index low(Index d) const
+    {
+        Index k = std::max(-d, -m);
+        return ((k + d) & 1) ? k + 1 : k;
+    }
+    Index high(Index d) const
+    {
+        Index k = std::min(d, n);
+        return ((k + d) & 1) ? k - 1 : k;
+    }
+
+    void advance(Index d, const std::vector<Index>* prev, std::vector<Index>& out,
+                 std::uint64_t& work) const
+    {
+        const Index lo = low(d), hi = high(d);
+        out.resize(std::size_t((hi - lo) / 2 + 1));
+        for (Index k = lo; k <= hi; k += 2) {
+            Index x = 0;
+            if (prev) {
+                x = kNone;
+                // A line of a left unmatched, from diagonal k - 1.
+                if (has(d - 1, k - 1))
+                    x = std::min((*prev)[slot(d - 1, k - 1)] + 1, n);
+                // A line of b left unmatched, from diagonal k + 1.
+                if (has(d - 1, k + 1))
+                    x = std::max(x, std::min((*prev)[slot(d - 1, k + 1)], m + k));
+            }
+            Index y = x - k;
+            const Index from = x;
+            while (x < n && y < m && a[std::size_t(x)] == b[std::size_t(y)]) {
+                ++x;
+                ++y;
+            }
+            work += 1 + std::uint64_t(x - from);
+            out[slot(d, k)] = x;
+        }
+    }
+
+    void keep(Index d, const std::vector<Index>& wave, bool last)
+    {
+        stored.emplace_back();
+        const bool full = total + wave.size() <= fullEntries;
+        sinceCheckpoint += wave.size();
+        if (full || last || sinceCheckpoint >= blockEntries || d == 0) {
+            stored.back() = wave;
+            total += wave.size();
+            sinceCheckpoint = 0;
+        }
+    }
+
+    std::span<const Index> a, b;
+    Index n, m;
+    std::size_t fullEntries, blockEntries;
+    std::size_t total = 0, sinceCheckpoint = 0;
+    std::vector<std::vector<Index>> stored; // by d; empty where only recomputing can tell
+    std::vector<Index> recomputed;
+};
+
+std::optional<std::vector<Index>> byGreedy(std::span<const Index> a, std::span<const Index> b,
+                                           std::uint64_t budget, std::size_t fullEntries)
+{
+    Waves waves(a, b, fullEntries);
+    const std::optional<Index> edits = waves.run(budget);
+    if (!edits)
+        return std::nullopt;
+
+    std::vector<Index> match(a.size(), kNone);
+    Index x = static_cast<Index>(a.size()), y = static_cast<Index>(b.size()), d = *edits;
+    const std::vector<Index>* before = d > 0 ? &waves.at(d - 1) : nullptr;
+    while (x > 0 && y > 0) {
+        const Index k = x - y;
+        if (d > 0) {
+            if (waves.has(d - 1, k + 1) && (*before)[waves.slot(d - 1, k + 1)] >= x) {
+                --y; // leave b[y - 1] unmatched
+            } else if (waves.has(d - 1, k - 1) && (*before)[waves.slot(d - 1, k - 1)] >= x - 1) {
+                --x; // leave a[x - 1] unmatched
+            } else {
+                --x;
+                --y;
+                assert(a[std::size_t(x)] == b[std::size_t(y)]);
+                match[std::size_t(x)] = y;
+                continue;
+            }
+            --d;
+            before = d > 0 ? &waves.at(d - 1) : nullptr;
+            continue;
+        }
+        --x;
+        --y;
+        match[std::size_t(x)] = y;
+    }
+    return match;
+}
+
+// ---- bit-parallel rows ---------------------------------------------------------------------
+//
+// Row x holds one bit per line of b: bit j is 0 exactly when the longest common subsequence of
+// a[0, x) grows by one from b[0, j) to b[0, j + 1).
+
+class BitRows
+{
+public:
+    BitRows(std::span<const Index> a, std::span<const Index> b, Index ids, std::size_t maxWords)
+        : a(a)
+        , n(a.size())
+        , words((b.size() + 63) / 64)
+        , start(std::size_t(ids) + 1, 0)
+        , positions(b.size())
+        , denseSlot(std::size_t(ids), kNone)
+        , scratch(words, 0)
+    {
+        for (Index c : b)
+            ++start[std::size_t(c) + 1];
+        for (Index c = 0; c < ids; ++c)
+            start[std::size_t(c) + 1] += start[std::size_t(c)];
+        std::vector<Index> fill(start.begin(), start.end() - 1);
+        for (std::size_t j = 0; j < b.size(); ++j)
+            positions[std::size_t(fill[std::size_t(b[j])]++)] = static_cast<Index>(j);
+
+        // Lines that are frequent in b get a ready mask; the rest set a few bits per row.
+        const std::size_t maskBudget = std::max<std::size_t>(maxWords / 2, words);
+        for (Index c = 0; c < ids; ++c) {
+            const Index count = start[std::size_t(c) + 1] - start[std::size_t(c)];
+            if (std::size_t(count) * 4 < words || (denseCount + 1) * words > maskBudget)
+                continue;
+            denseSlot[std::size_t(c)] = static_cast<Index>(denseCount++);
+            masks.resize(denseCount * words, 0);
+            Word* mask = &masks[(denseCount - 1) * words];
+            for (Index p = start[std::size_t(c)]; p < start[std::size_t(c) + 1]; ++p)
+                mask[std::size_t(positions[std::size_t(p)]) / 64] |= Word(1)
+                    << (positions[std::size_t(p)] % 64);
+        }
+
+        if ((n + 1) * words <= maxWords) {
+            stride = 1;
+        } else {
+            stride = std::max<std::size_t>(1, std::size_t(std::sqrt(double(n + 1))));
+        }
+        rows.resize(n + 1);
+        std::vector<Word> row(words, ~Word(0));
+        rows[0] = row;
+        for (std::size_t x = 1; x <= n; ++x) {
+            step(row.data(), a[x - 1]);
+            if (x % stride == 0 || x == n)
+                rows[x] = row;
+        }
+    }
+
+    // Row x; asked for with x going down.
+    const Word* at(std::size_t x)
+    {
+        if (!rows[x].empty())
+            return rows[x].data();
+        for (std::size_t r : recomputed)
+            if (r > x)
+                std::vector<Word>().swap(rows[r]);
+        recomputed.clear();
+        std::size_t c = x - 1;
+        while (rows[c].empty())
+            --c;
+        std::vector<Word> row = rows[c];
+        for (std::size_t e = c + 1; e <= x; ++e) {
+            step(row.data(), a[e - 1]);
+            rows[e] = row;
+            recomputed.push_back(e);
+        }
+        return rows[x].data();
+    }
+
+    std::size_t wordCount() const { return words; }
+
+private:
+    void step(Word* v, Index line)
+    {
+        const Index dense = denseSlot[std::size_t(line)];
+        if (dense != kNone) {
+            update(v, &masks[std::size_t(dense) * words]);
+            return;
+        }
+        const Index from = start[std::size_t(line)], to = start[std::size_t(line) + 1];
+        for (Index p = from; p < to; ++p)
+            scratch[std::size_t(positions[std::size_t(p)]) / 64] |= Word(1)
+                << (positions[std::size_t(p)] % 64);
+        update(v, scratch.data());
+        for (Index p = from; p < to; ++p)
+            scratch[std::size_t(positions[std::size_t(p)]) / 64] = 0;
+    }
+
+    void update(Word* v, const Word* mask) const
+    {
+        // v = (v + (v & mask)) | (v & ~mask), with the carry running across words.
+        Word carry = 0;
+        for (std::size_t w = 0; w < words; ++w) {
+            const Word old = v[w];
+            const Word u = old & mask[w];
+            const Word sum = old + u;
+            const Word total = sum + carry;
+            carry = Word(sum < old) | Word(total < sum);
+            v[w] = total | (old & ~u);
+        }
+    }
+
+    std::span<const Index> a;
+    std::size_t n, words;
+    std::vector<Index> start, positions, denseSlot;
+    std::size_t denseCount = 0;
+    std::vector<Word> masks, scratch;
+    std::size_t stride = 1;
+    std::vector<std::vector<Word>> rows; // by x; empty where only recomputing can tell
+    std::vector<std::size_t> recomputed;
+};
+
+// Number of 0 bits among the first `bits` bits of a row.
+std::int64_t zerosBelow(const Word* row, std::size_t bits)
+{
+    std::int64_t zeros = 0;
+    std::size_t w = 0;
+    for (; (w + 1) * 64 <= bits; ++w)
+        zeros += std::popcount(~row[w]);
+    if (bits % 64)
+        zeros += std::popcount(~row[w] & ((Word(1) << (bits % 64)) - 1));
+    return zeros;
+}
+
+// The highest 0 bit below `bits`; there is one whenever zerosBelow(row, bits) > 0.
+std::size_t highestZeroBelow(const Word* row, std::size_t bits)
+{
+    std::size_t w = (bits - 1) / 64;
+    Word zeros = ~row[w];
+    if (bits % 64)
+        zeros &= (Word(1) << (bits % 64)) - 1;
+    while (zeros == 0)
+        zeros = ~row[--w];
+    return w * 64 + 63 - std::size_t(std::countl_zero(zeros));
+}
+
+std::vector<Index> byBits(std::span<const Index> a, std::span<const Index> b, Index ids,
+                          std::size_t maxWords)
+{
+    BitRows rows(a, b, ids, maxWords);
+    std::vector<Index> match(a.size(), kNone);
+    std::size_t x = a.size(), y = b.size();
+    std::int64_t length = zerosBelow(rows.at(x), y);
+    while (length > 0) {
+        y = highestZeroBelow(rows.at(x), y) + 1; // leave b lines unmatched while it is free
+        while (zerosBelow(rows.at(x - 1), y) == length) // then a lines
+            --x;
+        --x;
+        --y;
+        assert(a[x] == b[y]);
+        match[x] = static_cast<Index>(y);
+        --length;
+    }
+    return match;
+}
+
+} // namespace
+
+CommonSubsequence::CommonSubsequence(std::span<const LineId> a, std::span<const LineId> b)
+    : a(a)
+    , b(b)
+{
+    constexpr std::size_t most = std::numeric_limits<Index>::max() - 1;
+    if (a.size() > most || b.size() > most)
+        throw std::length_error("too many lines to compare");
+}
+
+std::vector<std::int64_t> CommonSubsequence::find(Method method)
+{
+    return find(method, Limits());
+}
+
+std::vector<std::int64_t> CommonSubsequence::find(Method method, const Limits& limits)
+{
+    std::vector<std::int64_t> result(a.size(), -1);
+    used = method;
+    if (a.empty() || b.empty())
+        return result;
+
+    const Reduced r = reduce(a, b);
+    // A common head is matched pair by pair whichever method runs; take it off first.
+    std::size_t head = 0;
+    while (head < r.a.size() && head < r.b.size() && r.a[head] == r.b[head]) {
+        result[std::size_t(r.fromA[head])] = r.fromB[head];
+        ++head;
+    }
+    const std::span<const Index> ra = std::span(r.a).subspan(head);
+    const std::span<const Index> rb = std::span(r.b).subspan(head);
+    if (ra.empty() || rb.empty())
+        return result;
+
+    if (method == Method::Automatic) {
+        std::uint64_t pairs = 0; // equal pairs: the threshold table's work
+        for (Index c : ra)
+            pairs += std::uint64_t(r.countB[std::size_t(c)]);
+        const std::uint64_t lines = ra.size() + rb.size();
+        const std::uint64_t bitWork = std::uint64_t(ra.size()) * ((rb.size() + 63) / 64) * 2;
+        if (pairs <= 8 * lines) {
+            used = Method::Threshold;
+        } else {
+            std::optional<std::vector<Index>> match
+                = byGreedy(ra, rb, std::min(bitWork, pairs) + lines, limits.greedyEntries);
+            if (match) {
+                used = Method::Greedy;
+                for (std::size_t i = 0; i < ra.size(); ++i)
+                    if ((*match)[i] != kNone)
+                        result[std::size_t(r.fromA[head + i])]
+                            = r.fromB[head + std::size_t((*match)[i])];
+                return result;
+            }
+            used = bitWork <= pairs ? Method::BitParallel : Method::Threshold;
+        }
+    }
+
+    std::vector<Index> match;
+    switch (used) {
+    case Method::Threshold:
+        match = byThreshold(ra, rb, r.ids);
+        break;
+    case Method::Greedy:
+        match = *byGreedy(ra, rb, std::numeric_limits<std::uint64_t>::max(), limits.greedyEntries);
+        break;
+    default:
+        match = byBits(ra, rb, r.ids, limits.bitWords);
+        break;
+    }
+    for (std::size_t i = 0; i < ra.size(); ++i)
+        if (match[i] != kNone)
+            result[std::size_t(r.fromA[head + i])] = r.fromB[head + std::size_t(match[i])];
+    return result;
+}
+
+} // namespace SeqDiff
