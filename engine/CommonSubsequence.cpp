@@ -144,7 +144,7 @@ public:
         , n(static_cast<Index>(a.size()))
         , m(static_cast<Index>(b.size()))
         , fullEntries(fullEntries)
-        , blockEntries(std::max<std::size_t>(fullEntries / 4, 1024))
+        , blockEntries(std::max<std::size_t>(fullEntries / 4, 16))
     {
     }
 
@@ -205,8 +205,8 @@ private:
         return ((k + d) & 1) ? k - 1 : k;
     }
 
-    void advance(Index d, const std::vector<Index>* prev, std::vector<Index>& out,
-                 std::uint64_t& work) const
+    void advance(
+        Index d, const std::vector<Index>* prev, std::vector<Index>& out, std::uint64_t& work) const
     {
         const Index lo = low(d), hi = high(d);
         out.resize(std::size_t((hi - lo) / 2 + 1));
@@ -253,7 +253,7 @@ private:
 };
 
 std::optional<std::vector<Index>> byGreedy(std::span<const Index> a, std::span<const Index> b,
-                                           std::uint64_t budget, std::size_t fullEntries)
+    std::uint64_t budget, std::size_t fullEntries)
 {
     Waves waves(a, b, fullEntries);
     const std::optional<Index> edits = waves.run(budget);
@@ -430,8 +430,8 @@ std::size_t highestZeroBelow(const Word* row, std::size_t bits)
     return w * 64 + 63 - std::size_t(std::countl_zero(zeros));
 }
 
-std::vector<Index> byBits(std::span<const Index> a, std::span<const Index> b, Index ids,
-                          std::size_t maxWords)
+std::vector<Index> byBits(
+    std::span<const Index> a, std::span<const Index> b, Index ids, std::size_t maxWords)
 {
     BitRows rows(a, b, ids, maxWords);
     std::vector<Index> match(a.size(), kNone);

@@ -31,9 +31,9 @@ protected:
     // Hooks at the end of the walk, asked once when one side is used up and the other is not;
     // when a Call hook says true, its Finished hook is told the last index of that side.
     virtual bool CallFinishedA() { return false; }
-    virtual void FinishedA(std::int64_t /*lastA*/) {}
+    virtual void FinishedA(std::int64_t /*lastA*/) { }
     virtual bool CallFinishedB() { return false; }
-    virtual void FinishedB(std::int64_t /*lastB*/) {}
+    virtual void FinishedB(std::int64_t /*lastB*/) { }
 
 private:
     void traverseSequences();

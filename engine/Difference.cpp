@@ -4,8 +4,8 @@
 
 namespace SeqDiff {
 
-Difference::Difference(std::int64_t delStart, std::int64_t delEnd, std::int64_t addStart,
-                       std::int64_t addEnd)
+Difference::Difference(
+    std::int64_t delStart, std::int64_t delEnd, std::int64_t addStart, std::int64_t addEnd)
     : delStart(delStart)
     , delEnd(delEnd)
     , addStart(addStart)

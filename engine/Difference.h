@@ -11,8 +11,8 @@ class Difference
 {
 public:
     Difference() = default;
-    Difference(std::int64_t delStart, std::int64_t delEnd, std::int64_t addStart,
-               std::int64_t addEnd);
+    Difference(
+        std::int64_t delStart, std::int64_t delEnd, std::int64_t addStart, std::int64_t addEnd);
 
     std::int64_t AddedStart() const { return addStart; }
     std::int64_t AddedEnd() const { return addEnd; }

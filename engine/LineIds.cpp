@@ -31,8 +31,7 @@ std::uint64_t hashBytes(const void* data, std::size_t size)
     return h;
 }
 
-template <class View>
-class Interner
+template <class View> class Interner
 {
 public:
     explicit Interner(std::size_t expected)
@@ -105,14 +104,14 @@ std::array<LineIds, 2> intern(std::span<const View> a, std::span<const View> b)
 
 } // namespace
 
-std::array<LineIds, 2> internLines(std::span<const std::u16string_view> a,
-                                   std::span<const std::u16string_view> b)
+std::array<LineIds, 2> internLines(
+    std::span<const std::u16string_view> a, std::span<const std::u16string_view> b)
 {
     return intern(a, b);
 }
 
-std::array<LineIds, 2> internLines(std::span<const std::string_view> a,
-                                   std::span<const std::string_view> b)
+std::array<LineIds, 2> internLines(
+    std::span<const std::string_view> a, std::span<const std::string_view> b)
 {
     return intern(a, b);
 }

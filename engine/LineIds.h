@@ -14,9 +14,9 @@ using LineId = std::uint32_t;
 using LineIds = std::vector<LineId>;
 
 // Numbers the lines of both sides from one table, so that ids can be compared across sides.
-std::array<LineIds, 2> internLines(std::span<const std::u16string_view> a,
-                                   std::span<const std::u16string_view> b);
-std::array<LineIds, 2> internLines(std::span<const std::string_view> a,
-                                   std::span<const std::string_view> b);
+std::array<LineIds, 2> internLines(
+    std::span<const std::u16string_view> a, std::span<const std::u16string_view> b);
+std::array<LineIds, 2> internLines(
+    std::span<const std::string_view> a, std::span<const std::string_view> b);
 
 } // namespace SeqDiff

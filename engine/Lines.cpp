@@ -59,8 +59,7 @@ std::size_t skipPlain(std::u16string_view, std::size_t i)
     return i;
 }
 
-template <class View>
-std::vector<View> split(View text)
+template <class View> std::vector<View> split(View text)
 {
     std::vector<View> lines;
     std::size_t start = 0;

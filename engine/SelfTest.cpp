@@ -29,7 +29,7 @@ void testStrings4()
 void testStrings1()
 {
     runDiff(words("a b c e h j l m n p"), words("b c d e f j k l m r s t"),
-            Records{{0, 0, 0, -1}, {3, -1, 2, 2}, {4, 4, 4, 4}, {6, -1, 6, 6}, {8, 9, 9, 11}});
+        Records{{0, 0, 0, -1}, {3, -1, 2, 2}, {4, 4, 4, 4}, {6, -1, 6, 6}, {8, 9, 9, 11}});
 }
 
 void testStrings2()
@@ -45,13 +45,13 @@ void testStrings3()
 void testLongArray()
 {
     runDiff(words("a b c d e f g h i j k l"), words("a b p q r s t c d e f g h i j u l"),
-            Records{{2, -1, 2, 6}, {10, 10, 15, 15}});
+        Records{{2, -1, 2, 6}, {10, 10, 15, 15}});
 }
 
 void testRepeated()
 {
     runDiff(words("a a a a b b b a a a a b b b a a a a b b b a a a a b b b"),
-            words("a a a a b b b a b b b a a a a"), Records{{8, 10, 8, -1}, {18, 27, 15, -1}});
+        words("a a a a b b b a b b b a a a a"), Records{{8, 10, 8, -1}, {18, 27, 15, -1}});
 }
 
 void testReallyBig()

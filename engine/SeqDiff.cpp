@@ -4,22 +4,22 @@
 
 namespace SeqDiff {
 
-std::vector<Difference> FindDifferences(std::span<const std::u16string_view> a,
-                                        std::span<const std::u16string_view> b)
+std::vector<Difference> FindDifferences(
+    std::span<const std::u16string_view> a, std::span<const std::u16string_view> b)
 {
     auto ids = internLines(a, b);
     return Diff(std::move(ids[0]), std::move(ids[1])).Calculate();
 }
 
-std::vector<Difference> FindDifferences(std::span<const std::string_view> a,
-                                        std::span<const std::string_view> b)
+std::vector<Difference> FindDifferences(
+    std::span<const std::string_view> a, std::span<const std::string_view> b)
 {
     auto ids = internLines(a, b);
     return Diff(std::move(ids[0]), std::move(ids[1])).Calculate();
 }
 
 void runDiff(std::span<const std::string_view> a, std::span<const std::string_view> b,
-             std::span<const Difference> expected)
+    std::span<const Difference> expected)
 {
     auto ids = internLines(a, b);
     Diff diff(std::move(ids[0]), std::move(ids[1]));

@@ -13,14 +13,14 @@
 
 namespace SeqDiff {
 
-std::vector<Difference> FindDifferences(std::span<const std::u16string_view> a,
-                                        std::span<const std::u16string_view> b);
-std::vector<Difference> FindDifferences(std::span<const std::string_view> a,
-                                        std::span<const std::string_view> b);
+std::vector<Difference> FindDifferences(
+    std::span<const std::u16string_view> a, std::span<const std::u16string_view> b);
+std::vector<Difference> FindDifferences(
+    std::span<const std::string_view> a, std::span<const std::string_view> b);
 
 // Compares and checks the result record by record; throws std::runtime_error on a mismatch.
 void runDiff(std::span<const std::string_view> a, std::span<const std::string_view> b,
-             std::span<const Difference> expected);
+    std::span<const Difference> expected);
 void runDiff(Diff& diff, std::span<const Difference> expected);
 
 // Runs the eight fixed comparisons; false when any of them gives other records.

@@ -1,13 +1,412 @@
+#include "ReferenceDiff.h"
 #include "SeqDiff.h"
 
 #include <QtTest>
+
+#include <random>
+
+using SeqDiff::CommonSubsequence;
+using SeqDiff::Difference;
+using Records = std::vector<Difference>;
+using Method = CommonSubsequence::Method;
+
+Q_DECLARE_METATYPE(Records)
+Q_DECLARE_METATYPE(std::vector<std::int64_t>)
+
+namespace {
+
+QString show(const Records& records)
+{
+    QStringList parts;
+    for (const Difference& d : records)
+        parts << QStringLiteral("(%1, %2, %3, %4)")
+                     .arg(d.DeletedStart())
+                     .arg(d.DeletedEnd())
+                     .arg(d.AddedStart())
+                     .arg(d.AddedEnd());
+    return parts.join(QLatin1Char(' '));
+}
+
+std::vector<std::u16string_view> views(const Reference::Lines& lines)
+{
+    return {lines.begin(), lines.end()};
+}
+
+// Words separated by blanks; "_" stands for an empty line.
+Reference::Lines words(const QString& text)
+{
+    Reference::Lines lines;
+    for (const QString& word : text.split(QLatin1Char(' '), Qt::SkipEmptyParts))
+        lines.push_back(word == QLatin1String("_") ? std::u16string() : word.toStdU16String());
+    return lines;
+}
+
+// The engine's result for one pair, by the given method and memory limits.
+Records compare(const Reference::Lines& a, const Reference::Lines& b, Method method,
+    CommonSubsequence::Limits limits = {})
+{
+    const auto va = views(a), vb = views(b);
+    auto ids = SeqDiff::internLines(va, vb);
+    SeqDiff::Diff diff(std::move(ids[0]), std::move(ids[1]));
+    diff.setMethod(method, limits);
+    return diff.Calculate();
+}
+
+constexpr Method allMethods[]
+    = {Method::Automatic, Method::Threshold, Method::Greedy, Method::BitParallel};
+
+// Holds the walk's hooks to true, to see that they are asked at the right moment.
+class FinishingDiff : public SeqDiff::Diff
+{
+public:
+    using Diff::Diff;
+    std::vector<std::int64_t> finishedA, finishedB;
+
+protected:
+    bool CallFinishedA() override { return true; }
+    void FinishedA(std::int64_t lastA) override { finishedA.push_back(lastA); }
+    bool CallFinishedB() override { return true; }
+    void FinishedB(std::int64_t lastB) override { finishedB.push_back(lastB); }
+};
+
+} // namespace
 
 class TestEngine : public QObject
 {
     Q_OBJECT
 private slots:
-    void selfTestPasses() { QVERIFY(SeqDiff::SelfTest()); }
+    void recordOperations();
+    void splitting_data();
+    void splitting();
+    void comparing_data();
+    void comparing();
+    void matchesArray_data();
+    void matchesArray();
+    void selfTest();
+    void endHooks();
+    void randomPairsAgreeWithReference();
+    void editedTextsAgreeWithReference_data();
+    void editedTextsAgreeWithReference();
+    void methodsAgreeOnLargeInput_data();
+    void methodsAgreeOnLargeInput();
 };
+
+void TestEngine::recordOperations()
+{
+    const Difference added(1, -1, 1, 2), replaced(3, 3, 5, 5);
+    QCOMPARE(added.DeletedCount(), 0);
+    QCOMPARE(added.AddedCount(), 2);
+    QCOMPARE(replaced.DeletedCount(), 1);
+    QCOMPARE(replaced.AddedCount(), 1);
+    QVERIFY(!added.Equals(Difference(1, -1, 1, 3)));
+    QVERIFY(added.Equals(Difference(1, -1, 1, 2)));
+    QVERIFY(!added.Equals(Difference(1, -1, 2, 2)));
+    QVERIFY(!added.Equals(Difference(0, -1, 1, 2)));
+
+    Difference d(3, 3, 5, -1);
+    d.SetAdded(5);
+    QVERIFY(d.Equals(Difference(3, 3, 5, 5)));
+    Difference e(1, -1, 1, 1);
+    e.SetAdded(2);
+    QVERIFY(e.Equals(Difference(1, -1, 1, 2)));
+    Difference f(0, 0, 0, -1);
+    f.SetDeleted(1);
+    QVERIFY(f.Equals(Difference(0, 1, 0, -1)));
+    // A line below the start widens the run downward.
+    Difference g(4, 5, 0, -1);
+    g.SetDeleted(2);
+    QVERIFY(g.Equals(Difference(2, 5, 0, -1)));
+    QVERIFY(Difference().Equals(Difference(-1, -1, -1, -1)));
+}
+
+void TestEngine::splitting_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QStringList>("lines");
+    QTest::newRow("no ending") << "one\ntwo" << QStringList{"one", "two"};
+    QTest::newRow("trailing LF") << "one\ntwo\n" << QStringList{"one", "two", ""};
+    QTest::newRow("blank line") << "one\n\ntwo" << QStringList{"one", "", "two"};
+    QTest::newRow("single LF") << "\n" << QStringList{"", ""};
+    QTest::newRow("empty") << "" << QStringList{""};
+    QTest::newRow("CR") << "a\rb\r" << QStringList{"a", "b", ""};
+    QTest::newRow("CR LF is one ending") << "a\r\nb" << QStringList{"a", "b"};
+    QTest::newRow("LF CR is two") << "a\n\rb" << QStringList{"a", "", "b"};
+    QTest::newRow("CR CR LF") << "a\r\r\nb" << QStringList{"a", "", "b"};
+    QTest::newRow("CR at the end") << "a\r" << QStringList{"a", ""};
+    QTest::newRow("paragraph separator")
+        << QString::fromUtf16(u"a\u2029b") << QStringList{"a", "b"};
+    QTest::newRow("line separator stays")
+        << QString::fromUtf16(u"a\u2028b") << QStringList{QString::fromUtf16(u"a\u2028b")};
+    QTest::newRow("form feed stays") << "a\fb\vc" << QStringList{"a\fb\vc"};
+    QTest::newRow("blanks kept") << " a \t\n b" << QStringList{" a \t", " b"};
+    QTest::newRow("long plain run") << QString(100, QLatin1Char('x')) + "\r\n"
+                                    << QStringList{QString(100, QLatin1Char('x')), ""};
+}
+
+void TestEngine::splitting()
+{
+    QFETCH(QString, text);
+    QFETCH(QStringList, lines);
+    const std::u16string utf16 = text.toStdU16String();
+    QStringList got;
+    for (std::u16string_view line : SeqDiff::splitLines(std::u16string_view(utf16)))
+        got << QString::fromStdU16String(std::u16string(line));
+    QCOMPARE(got, lines);
+
+    // The UTF-8 twin cuts the same text at the same places.
+    const QByteArray utf8 = text.toUtf8();
+    QStringList got8;
+    for (std::string_view line : SeqDiff::splitLines(std::string_view(utf8.data(), utf8.size())))
+        got8 << QString::fromUtf8(line.data(), qsizetype(line.size()));
+    QCOMPARE(got8, lines);
+}
+
+void TestEngine::comparing_data()
+{
+    QTest::addColumn<QString>("left");
+    QTest::addColumn<QString>("right");
+    QTest::addColumn<Records>("expected");
+    QTest::newRow("same text") << "a\nb\nc"
+                               << "a\nb\nc" << Records{};
+    QTest::newRow("endings differ only") << "one\rtwo"
+                                         << "one\r\ntwo" << Records{};
+    QTest::newRow("added trailing newline") << "one\ntwo"
+                                            << "one\ntwo\n"
+                                            << Records{{2, -1, 2, 2}};
+    QTest::newRow("removed trailing newline") << "one\ntwo\n"
+                                              << "one\ntwo" << Records{{2, 2, 2, -1}};
+    QTest::newRow("trailing blank differs") << "a\nb \nc"
+                                            << "a\nb\nc" << Records{{1, 1, 1, 1}};
+    QTest::newRow("case differs") << "Line"
+                                  << "line" << Records{{0, 0, 0, 0}};
+    QTest::newRow("one against two") << "one"
+                                     << "two" << Records{{0, 0, 0, 0}};
+    QTest::newRow("both empty") << ""
+                                << "" << Records{};
+    // An empty pane is one empty line: against three lines that is a replacement.
+    QTest::newRow("empty left") << ""
+                                << "x\ny\nz" << Records{{0, 0, 0, 2}};
+    QTest::newRow("empty left, blank line right")
+        << ""
+        << "x\n\nz" << Records{{0, -1, 0, 0}, {1, -1, 2, 2}};
+    QTest::newRow("empty right") << "x\ny"
+                                 << "" << Records{{0, 1, 0, 0}};
+    QTest::newRow("worked example")
+        << "a\nb\nc\nd\ne"
+        << "a\nx\ny\nb\nc\nj\ne" << Records{{1, -1, 1, 2}, {3, 3, 5, 5}};
+    QTest::newRow("x against x x") << "x"
+                                   << "x\nx" << Records{{1, -1, 1, 1}};
+    QTest::newRow("leftovers on both sides") << "k\nx\ny"
+                                             << "k\np\nq\nr" << Records{{1, 2, 1, 3}};
+    QTest::newRow("p q p against q p q") << "p\nq\np"
+                                         << "q\np\nq" << Records{{0, 0, 0, -1}, {3, -1, 2, 2}};
+}
+
+void TestEngine::comparing()
+{
+    QFETCH(QString, left);
+    QFETCH(QString, right);
+    QFETCH(Records, expected);
+    const std::u16string l = left.toStdU16String(), r = right.toStdU16String();
+    const auto a = SeqDiff::splitLines(std::u16string_view(l));
+    const auto b = SeqDiff::splitLines(std::u16string_view(r));
+    const Records got = SeqDiff::FindDifferences(a, b);
+    QCOMPARE(show(got), show(expected));
+}
+
+void TestEngine::matchesArray_data()
+{
+    QTest::addColumn<QString>("left");
+    QTest::addColumn<QString>("right");
+    QTest::addColumn<std::vector<std::int64_t>>("matches");
+    QTest::newRow("p q p") << "p q p"
+                           << "q p q" << std::vector<std::int64_t>{-1, 0, 1};
+    QTest::newRow("a b c d e") << "a b c d e"
+                               << "a x y b c j e" << std::vector<std::int64_t>{0, 3, 4, -1, 6};
+    QTest::newRow("swapped") << "a b"
+                             << "b a" << std::vector<std::int64_t>{-1, 0};
+    QTest::newRow("equal") << "a b c"
+                           << "a b c" << std::vector<std::int64_t>{0, 1, 2};
+    QTest::newRow("prefix") << "a b"
+                            << "a b c" << std::vector<std::int64_t>{0, 1};
+    QTest::newRow("nothing common") << "a b"
+                                    << "c d" << std::vector<std::int64_t>{};
+    QTest::newRow("lines behind the last match") << "a b c"
+                                                 << "a" << std::vector<std::int64_t>{0};
+}
+
+void TestEngine::matchesArray()
+{
+    QFETCH(QString, left);
+    QFETCH(QString, right);
+    QFETCH(std::vector<std::int64_t>, matches);
+    const Reference::Lines a = words(left), b = words(right);
+    for (Method method : allMethods) {
+        const auto va = views(a), vb = views(b);
+        auto ids = SeqDiff::internLines(va, vb);
+        SeqDiff::Diff diff(std::move(ids[0]), std::move(ids[1]));
+        diff.setMethod(method, {});
+        QCOMPARE(diff.getLongestCommonSubsequences(), matches);
+    }
+}
+
+void TestEngine::selfTest()
+{
+    QVERIFY(SeqDiff::SelfTest());
+
+    using Lines = std::vector<std::string_view>;
+    const Lines a{"a", "b", "c", "d", "e"}, b{"a", "x", "y", "b", "c", "j", "e"};
+    SeqDiff::runDiff(a, b, Records{{1, -1, 1, 2}, {3, 3, 5, 5}});
+    // One field off by one, a record too many or too few: each is a mismatch.
+    QVERIFY_THROWS_EXCEPTION(
+        std::runtime_error, SeqDiff::runDiff(a, b, Records{{1, -1, 1, 2}, {3, 3, 5, 6}}));
+    QVERIFY_THROWS_EXCEPTION(std::runtime_error,
+        SeqDiff::runDiff(a, b, Records{{1, -1, 1, 2}, {3, 3, 5, 5}, {7, -1, 7, 7}}));
+    QVERIFY_THROWS_EXCEPTION(std::runtime_error, SeqDiff::runDiff(a, b, Records{{1, -1, 1, 2}}));
+}
+
+void TestEngine::endHooks()
+{
+    // b outlasts a: the hook for a is asked once, told the last index of a, and the rest of b
+    // is still reported, one line per round.
+    const Reference::Lines a = words("k x"), b = words("k p q r");
+    const auto va = views(a), vb = views(b);
+    auto ids = SeqDiff::internLines(va, vb);
+    FinishingDiff diff(std::move(ids[0]), std::move(ids[1]));
+    const Records got = diff.Calculate();
+    QCOMPARE(show(got), show(Records{{1, 1, 1, 3}}));
+    QCOMPARE(diff.finishedA, std::vector<std::int64_t>{1});
+    QVERIFY(diff.finishedB.empty());
+}
+
+void TestEngine::randomPairsAgreeWithReference()
+{
+    // Small alphabets make many equal lines, which is where the choice among equally long
+    // alignments matters. Texts are built with all three endings and U+2029, so the splitting is
+    // checked against the literal one on the way.
+    std::mt19937_64 random(20261123);
+    const std::u16string alphabet[] = {u"a", u"b", u"", u"a ", u"c", u"\u2028", u"dd", u"b\t"};
+    const std::u16string endings[] = {u"\n", u"\r", u"\r\n", u"\u2029"};
+    auto text = [&](std::size_t letters) {
+        std::u16string t;
+        const std::size_t lines = random() % 24;
+        for (std::size_t i = 0; i < lines; ++i) {
+            t += alphabet[random() % letters];
+            if (i + 1 < lines || random() % 2)
+                t += endings[random() % 4];
+        }
+        return t;
+    };
+    // Small memory limits push the walk back through its checkpoint paths.
+    const CommonSubsequence::Limits tight{0, 2};
+    for (int round = 0; round < 10000; ++round) {
+        const std::size_t letters = 2 + round % 6;
+        const std::u16string left = text(letters), right = round % 50 == 0 ? u"" : text(letters);
+        const Reference::Lines a = Reference::split(left), b = Reference::split(right);
+        const Records expected = Reference::differences(a, b);
+
+        const auto sa = SeqDiff::splitLines(std::u16string_view(left));
+        const auto sb = SeqDiff::splitLines(std::u16string_view(right));
+        QCOMPARE(sa.size(), a.size());
+        QCOMPARE(sb.size(), b.size());
+        QCOMPARE(show(SeqDiff::FindDifferences(sa, sb)), show(expected));
+        for (Method method : allMethods) {
+            const Records got
+                = compare(a, b, method, round % 2 ? tight : CommonSubsequence::Limits{});
+            if (!(got == expected))
+                QFAIL(qPrintable(QStringLiteral("round %1, method %2: %3 instead of %4")
+                                     .arg(round)
+                                     .arg(int(method))
+                                     .arg(show(got), show(expected))));
+        }
+    }
+}
+
+void TestEngine::editedTextsAgreeWithReference_data()
+{
+    QTest::addColumn<int>("distinct");
+    QTest::addColumn<int>("lines");
+    QTest::addColumn<int>("editPercent");
+    QTest::newRow("repetitive, few edits") << 6 << 300 << 3;
+    QTest::newRow("repetitive, many edits") << 6 << 300 << 40;
+    QTest::newRow("varied, few edits") << 200 << 400 << 2;
+    QTest::newRow("varied, many edits") << 60 << 400 << 30;
+    QTest::newRow("unrelated") << 12 << 250 << 100;
+}
+
+void TestEngine::editedTextsAgreeWithReference()
+{
+    // Longer texts than above, many machine words wide, edited in runs as real texts are.
+    QFETCH(int, distinct);
+    QFETCH(int, lines);
+    QFETCH(int, editPercent);
+    std::mt19937_64 random(std::uint64_t(distinct * 1000 + editPercent));
+    auto line = [&] { return u"line " + std::u16string(1, char16_t(u'A' + random() % distinct)); };
+    for (int round = 0; round < 40; ++round) {
+        Reference::Lines a;
+        for (int i = 0; i < lines; ++i)
+            a.push_back(line());
+        Reference::Lines b;
+        for (std::size_t i = 0; i < a.size(); ++i) {
+            if (int(random() % 100) >= editPercent) {
+                b.push_back(a[i]);
+                continue;
+            }
+            const std::size_t run = 1 + random() % 4;
+            switch (random() % 3) {
+            case 0: // replaced
+                for (std::size_t r = 0; r < run; ++r)
+                    b.push_back(line());
+                i += run - 1;
+                break;
+            case 1: // deleted
+                i += run - 1;
+                break;
+            default: // inserted
+                for (std::size_t r = 0; r < run; ++r)
+                    b.push_back(line());
+                b.push_back(a[i]);
+            }
+        }
+        const Records expected = Reference::differences(a, b);
+        for (Method method : allMethods)
+            for (const CommonSubsequence::Limits& limits :
+                {CommonSubsequence::Limits{}, CommonSubsequence::Limits{64, 16}})
+                QCOMPARE(show(compare(a, b, method, limits)), show(expected));
+    }
+}
+
+void TestEngine::methodsAgreeOnLargeInput_data()
+{
+    QTest::addColumn<int>("distinct");
+    QTest::addColumn<int>("editPercent");
+    QTest::newRow("20 lines, 1% edited") << 20 << 1;
+    QTest::newRow("20 lines, 50% edited") << 20 << 50;
+    QTest::newRow("2000 lines, 5% edited") << 2000 << 5;
+}
+
+void TestEngine::methodsAgreeOnLargeInput()
+{
+    // Too large for the literal rendering to be quick; the methods keep each other honest, and
+    // the automatic choice must match them all.
+    QFETCH(int, distinct);
+    QFETCH(int, editPercent);
+    std::mt19937_64 random(std::uint64_t(distinct + editPercent));
+    Reference::Lines a, b;
+    for (int i = 0; i < 6000; ++i)
+        a.push_back(std::u16string(1, char16_t(0x4E00 + random() % distinct)));
+    for (const std::u16string& line : a) {
+        if (int(random() % 100) < editPercent)
+            b.push_back(std::u16string(1, char16_t(0x4E00 + random() % distinct)));
+        else
+            b.push_back(line);
+    }
+    const Records threshold = compare(a, b, Method::Threshold);
+    QVERIFY(!threshold.empty());
+    QCOMPARE(show(compare(a, b, Method::BitParallel, {1 << 12, 1 << 12})), show(threshold));
+    QCOMPARE(show(compare(a, b, Method::Greedy, {1 << 12, 1 << 12})), show(threshold));
+    QCOMPARE(show(compare(a, b, Method::Automatic)), show(threshold));
+}
 
 QTEST_APPLESS_MAIN(TestEngine)
 #include "tst_engine.moc"
