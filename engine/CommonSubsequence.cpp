@@ -153,8 +153,8 @@ public:
     std::optional<Index> run(std::uint64_t budget)
     {
         std::uint64_t work = 0;
-        std::vector<Index> wave;
-        advance(0, nullptr, wave, work);
+        std::vector<Index> wave(size(0)), next;
+        advance(0, nullptr, wave.data(), work);
         for (Index d = 0;; ++d) {
             const Index k = n - m;
             const bool done = has(d, k) && wave[slot(d, k)] >= n;
@@ -163,37 +163,48 @@ public:
                 return d;
             if (work > budget)
                 return std::nullopt;
-            std::vector<Index> next;
-            advance(d + 1, &wave, next, work);
-            wave = std::move(next);
+            next.resize(size(d + 1));
+            advance(d + 1, wave.data(), next.data(), work);
+            std::swap(wave, next);
         }
     }
 
     // The wave after d edits; asked for with d going down.
-    const std::vector<Index>& at(Index d)
+    const Index* at(Index d)
     {
-        if (!stored[std::size_t(d)].empty())
-            return stored[std::size_t(d)];
-        // Recompute from the checkpoint below, dropping what was recomputed for higher d.
-        for (Index r : recomputed)
-            if (r > d)
-                std::vector<Index>().swap(stored[std::size_t(r)]);
-        recomputed.clear();
+        if (offsets[std::size_t(d)] != kAbsent)
+            return &kept[offsets[std::size_t(d)]];
+        if (d >= blockFrom && d < blockFrom + Index(blockOffsets.size()))
+            return &block[blockOffsets[std::size_t(d - blockFrom)]];
+        // Recompute from the checkpoint below.
         Index c = d - 1;
-        while (stored[std::size_t(c)].empty())
+        while (offsets[std::size_t(c)] == kAbsent)
             --c;
+        blockFrom = c + 1;
+        blockOffsets.clear();
+        block.clear();
         std::uint64_t work = 0;
+        std::size_t total = 0;
         for (Index e = c + 1; e <= d; ++e) {
-            advance(e, &stored[std::size_t(e) - 1], stored[std::size_t(e)], work);
-            recomputed.push_back(e);
+            blockOffsets.push_back(total);
+            total += size(e);
         }
-        return stored[std::size_t(d)];
+        block.resize(total);
+        const Index* prev = &kept[offsets[std::size_t(c)]];
+        for (Index e = c + 1; e <= d; ++e) {
+            Index* out = &block[blockOffsets[std::size_t(e - blockFrom)]];
+            advance(e, prev, out, work);
+            prev = out;
+        }
+        return prev;
     }
 
     bool has(Index d, Index k) const { return k >= low(d) && k <= high(d); }
     std::size_t slot(Index d, Index k) const { return std::size_t((k - low(d)) / 2); }
 
 private:
+    static constexpr std::size_t kAbsent = std::numeric_limits<std::size_t>::max();
+
     Index low(Index d) const
     {
         Index k = std::max(-d, -m);
@@ -204,22 +215,23 @@ private:
         Index k = std::min(d, n);
         return ((k + d) & 1) ? k - 1 : k;
     }
+    std::size_t size(Index d) const { return std::size_t((high(d) - low(d)) / 2 + 1); }
 
-    void advance(
-        Index d, const std::vector<Index>* prev, std::vector<Index>& out, std::uint64_t& work) const
+    void advance(Index d, const Index* prev, Index* out, std::uint64_t& work) const
     {
         const Index lo = low(d), hi = high(d);
-        out.resize(std::size_t((hi - lo) / 2 + 1));
+        const Index prevLo = d > 0 ? low(d - 1) : 0, prevHi = d > 0 ? high(d - 1) : -1;
         for (Index k = lo; k <= hi; k += 2) {
             Index x = 0;
             if (prev) {
                 x = kNone;
                 // A line of a left unmatched, from diagonal k - 1.
-                if (has(d - 1, k - 1))
-                    x = std::min((*prev)[slot(d - 1, k - 1)] + 1, n);
+                if (k - 1 >= prevLo && k - 1 <= prevHi)
+                    x = std::min(prev[(k - 1 - prevLo) / 2] + 1, n);
                 // A line of b left unmatched, from diagonal k + 1.
-                if (has(d - 1, k + 1))
-                    x = std::max(x, std::min((*prev)[slot(d - 1, k + 1)], m + k));
+                if (k + 1 >= prevLo && k + 1 <= prevHi)
+                    x = std::max(x, std::min(prev[(k + 1 - prevLo) / 2], m + k));
+                assert(x >= 0);
             }
             Index y = x - k;
             const Index from = x;
@@ -228,28 +240,34 @@ private:
                 ++y;
             }
             work += 1 + std::uint64_t(x - from);
-            out[slot(d, k)] = x;
+            out[(k - lo) / 2] = x;
         }
     }
 
+    // Keeps every wave while memory allows, then only checkpoints far enough apart that the
+    // waves between two of them fit in one block.
     void keep(Index d, const std::vector<Index>& wave, bool last)
     {
-        stored.emplace_back();
-        const bool full = total + wave.size() <= fullEntries;
         sinceCheckpoint += wave.size();
-        if (full || last || sinceCheckpoint >= blockEntries || d == 0) {
-            stored.back() = wave;
-            total += wave.size();
+        const bool full = kept.size() + wave.size() <= fullEntries;
+        if (full || last || d == 0 || sinceCheckpoint >= blockEntries) {
+            offsets.push_back(kept.size());
+            kept.insert(kept.end(), wave.begin(), wave.end());
             sinceCheckpoint = 0;
+        } else {
+            offsets.push_back(kAbsent);
         }
     }
 
     std::span<const Index> a, b;
     Index n, m;
     std::size_t fullEntries, blockEntries;
-    std::size_t total = 0, sinceCheckpoint = 0;
-    std::vector<std::vector<Index>> stored; // by d; empty where only recomputing can tell
-    std::vector<Index> recomputed;
+    std::size_t sinceCheckpoint = 0;
+    std::vector<Index> kept;
+    std::vector<std::size_t> offsets; // by d: where its wave starts in `kept`, or kAbsent
+    std::vector<Index> block; // waves recomputed for the walk back
+    std::vector<std::size_t> blockOffsets;
+    Index blockFrom = 0;
 };
 
 std::optional<std::vector<Index>> byGreedy(std::span<const Index> a, std::span<const Index> b,
@@ -262,13 +280,13 @@ std::optional<std::vector<Index>> byGreedy(std::span<const Index> a, std::span<c
 
     std::vector<Index> match(a.size(), kNone);
     Index x = static_cast<Index>(a.size()), y = static_cast<Index>(b.size()), d = *edits;
-    const std::vector<Index>* before = d > 0 ? &waves.at(d - 1) : nullptr;
+    const Index* before = d > 0 ? waves.at(d - 1) : nullptr;
     while (x > 0 && y > 0) {
         const Index k = x - y;
         if (d > 0) {
-            if (waves.has(d - 1, k + 1) && (*before)[waves.slot(d - 1, k + 1)] >= x) {
+            if (waves.has(d - 1, k + 1) && before[waves.slot(d - 1, k + 1)] >= x) {
                 --y; // leave b[y - 1] unmatched
-            } else if (waves.has(d - 1, k - 1) && (*before)[waves.slot(d - 1, k - 1)] >= x - 1) {
+            } else if (waves.has(d - 1, k - 1) && before[waves.slot(d - 1, k - 1)] >= x - 1) {
                 --x; // leave a[x - 1] unmatched
             } else {
                 --x;
@@ -278,7 +296,7 @@ std::optional<std::vector<Index>> byGreedy(std::span<const Index> a, std::span<c
                 continue;
             }
             --d;
-            before = d > 0 ? &waves.at(d - 1) : nullptr;
+            before = d > 0 ? waves.at(d - 1) : nullptr;
             continue;
         }
         --x;
@@ -406,8 +424,10 @@ private:
     std::vector<std::size_t> recomputed;
 };
 
-// Number of 0 bits among the first `bits` bits of a row.
-std::int64_t zerosBelow(const Word* row, std::size_t bits)
+// Number of 0 bits among the first `bits` bits of a row. The walk back counts a great many
+// words; the processor's own population count is chosen at load time where there is one.
+__attribute__((target_clones("popcnt", "default"))) std::int64_t zerosBelow(
+    const Word* row, std::size_t bits)
 {
     std::int64_t zeros = 0;
     std::size_t w = 0;
@@ -485,40 +505,39 @@ std::vector<std::int64_t> CommonSubsequence::find(Method method, const Limits& l
     if (ra.empty() || rb.empty())
         return result;
 
+    std::vector<Index> match;
     if (method == Method::Automatic) {
-        std::uint64_t pairs = 0; // equal pairs: the threshold table's work
+        // Rough costs in nanoseconds, measured on ordinary hardware: the threshold table pays
+        // for every equal pair, the bit rows for every 64 columns of every row. The greedy
+        // method's cost is only known by running it, so it runs first on a short leash: it wins
+        // whenever the texts are alike, and gives way to the cheaper of the others when not.
+        std::uint64_t pairs = 0;
         for (Index c : ra)
             pairs += std::uint64_t(r.countB[std::size_t(c)]);
-        const std::uint64_t lines = ra.size() + rb.size();
-        const std::uint64_t bitWork = std::uint64_t(ra.size()) * ((rb.size() + 63) / 64) * 2;
-        if (pairs <= 8 * lines) {
-            used = Method::Threshold;
+        const std::uint64_t thresholdCost = 30 * pairs;
+        const std::uint64_t bitCost = 5 * std::uint64_t(ra.size()) * ((rb.size() + 63) / 64);
+        const std::uint64_t budget = std::min(thresholdCost, bitCost) / 16 + ra.size() + rb.size();
+        std::optional<std::vector<Index>> found = byGreedy(ra, rb, budget, limits.greedyEntries);
+        if (found) {
+            used = Method::Greedy;
+            match = std::move(*found);
         } else {
-            std::optional<std::vector<Index>> match
-                = byGreedy(ra, rb, std::min(bitWork, pairs) + lines, limits.greedyEntries);
-            if (match) {
-                used = Method::Greedy;
-                for (std::size_t i = 0; i < ra.size(); ++i)
-                    if ((*match)[i] != kNone)
-                        result[std::size_t(r.fromA[head + i])]
-                            = r.fromB[head + std::size_t((*match)[i])];
-                return result;
-            }
-            used = bitWork <= pairs ? Method::BitParallel : Method::Threshold;
+            used = bitCost <= thresholdCost ? Method::BitParallel : Method::Threshold;
         }
     }
 
-    std::vector<Index> match;
-    switch (used) {
-    case Method::Threshold:
-        match = byThreshold(ra, rb, r.ids);
-        break;
-    case Method::Greedy:
-        match = *byGreedy(ra, rb, std::numeric_limits<std::uint64_t>::max(), limits.greedyEntries);
-        break;
-    default:
-        match = byBits(ra, rb, r.ids, limits.bitWords);
-        break;
+    if (match.empty()) {
+        switch (used) {
+        case Method::Threshold:
+            match = byThreshold(ra, rb, r.ids);
+            break;
+        case Method::BitParallel:
+            match = byBits(ra, rb, r.ids, limits.bitWords);
+            break;
+        default:
+            match = *byGreedy(
+                ra, rb, std::numeric_limits<std::uint64_t>::max(), limits.greedyEntries);
+        }
     }
     for (std::size_t i = 0; i < ra.size(); ++i)
         if (match[i] != kNone)

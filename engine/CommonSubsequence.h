@@ -30,7 +30,7 @@ public:
     struct Limits
     {
         std::size_t greedyEntries = std::size_t(1) << 22;
-        std::size_t bitWords = std::size_t(1) << 22;
+        std::size_t bitWords = std::size_t(1) << 23;
     };
 
     CommonSubsequence(std::span<const LineId> a, std::span<const LineId> b);

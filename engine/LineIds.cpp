@@ -1,5 +1,6 @@
 #include "LineIds.h"
 
+#include <algorithm>
 #include <cstring>
 #include <stdexcept>
 
@@ -34,71 +35,95 @@ std::uint64_t hashBytes(const void* data, std::size_t size)
 template <class View> class Interner
 {
 public:
-    explicit Interner(std::size_t expected)
+    explicit Interner(std::size_t lines)
     {
         std::size_t capacity = 1024;
-        while (capacity < expected * 2)
+        while (capacity < lines + lines / 4)
             capacity *= 2;
-        slots.assign(capacity, 0);
+        slots.assign(capacity, Slot{0, 0});
     }
 
-    LineId idOf(View line)
+    void intern(std::span<const View> lines, LineIds& ids)
     {
-        const std::uint64_t h = hashBytes(line.data(), line.size() * sizeof(line[0]));
-        std::size_t mask = slots.size() - 1;
-        for (std::size_t s = h & mask;; s = (s + 1) & mask) {
-            const LineId slot = slots[s];
-            if (slot == 0)
-                return add(line, h, s);
-            const LineId id = slot - 1;
-            if (hashes[id] == h && lines[id] == line)
-                return id;
+        // Hash a few lines ahead and fetch their slots early: the table is larger than the
+        // cache, and waiting for each slot in turn would dominate.
+        constexpr std::size_t ahead = 16;
+        std::uint64_t hashes[ahead];
+        ids.reserve(lines.size());
+        for (std::size_t i = 0; i < lines.size(); i += ahead) {
+            const std::size_t count = std::min(ahead, lines.size() - i);
+            for (std::size_t j = 0; j < count; ++j) {
+                hashes[j] = hashOf(lines[i + j]);
+                __builtin_prefetch(&slots[hashes[j] & (slots.size() - 1)]);
+            }
+            for (std::size_t j = 0; j < count; ++j)
+                ids.push_back(idOf(lines[i + j], hashes[j]));
+        }
+    }
+
+    // Most lines of the second text follow their twin in the first: try the line after the last
+    // twin before hashing.
+    void internFollowing(std::span<const View> lines, std::span<const View> before,
+        const LineIds& beforeIds, LineIds& ids)
+    {
+        std::vector<std::uint32_t> lastIn(first.size(), 0);
+        for (std::size_t i = 0; i < beforeIds.size(); ++i)
+            lastIn[beforeIds[i]] = static_cast<std::uint32_t>(i);
+        ids.reserve(lines.size());
+        std::size_t next = 0;
+        for (const View line : lines) {
+            if (next < before.size() && before[next] == line) {
+                ids.push_back(beforeIds[next++]);
+                continue;
+            }
+            const LineId id = idOf(line, hashOf(line));
+            ids.push_back(id);
+            if (id < lastIn.size())
+                next = lastIn[id] + 1;
         }
     }
 
 private:
-    LineId add(View line, std::uint64_t h, std::size_t s)
+    struct Slot
     {
-        if (lines.size() >= 0xFFFFFFF0U)
-            throw std::length_error("too many distinct lines");
-        const auto id = static_cast<LineId>(lines.size());
-        lines.push_back(line);
-        hashes.push_back(h);
-        slots[s] = id + 1;
-        if (lines.size() * 2 > slots.size())
-            grow();
-        return id;
+        LineId idPlusOne; // 0 when free
+        std::uint32_t tag; // high half of the hash: most unequal lines are never read
+    };
+
+    static std::uint64_t hashOf(View line)
+    {
+        return hashBytes(line.data(), line.size() * sizeof(line[0]));
     }
 
-    void grow()
+    LineId idOf(View line, std::uint64_t h)
     {
-        slots.assign(slots.size() * 2, 0);
+        const auto tag = static_cast<std::uint32_t>(h >> 32);
         const std::size_t mask = slots.size() - 1;
-        for (LineId id = 0; id < lines.size(); ++id) {
-            std::size_t s = hashes[id] & mask;
-            while (slots[s] != 0)
-                s = (s + 1) & mask;
-            slots[s] = id + 1;
+        for (std::size_t s = h & mask;; s = (s + 1) & mask) {
+            Slot& slot = slots[s];
+            if (slot.idPlusOne == 0) {
+                if (first.size() >= 0xFFFFFFF0U)
+                    throw std::length_error("too many distinct lines");
+                first.push_back(line);
+                slot = Slot{static_cast<LineId>(first.size()), tag};
+                return slot.idPlusOne - 1;
+            }
+            if (slot.tag == tag && first[slot.idPlusOne - 1] == line)
+                return slot.idPlusOne - 1;
         }
     }
 
-    std::vector<LineId> slots; // id + 1, 0 when free
-    std::vector<View> lines;
-    std::vector<std::uint64_t> hashes;
+    std::vector<Slot> slots; // sized for all lines, so it never fills
+    std::vector<View> first; // per id, its first line
 };
 
 template <class View>
 std::array<LineIds, 2> intern(std::span<const View> a, std::span<const View> b)
 {
-    // Distinct lines are usually far fewer than lines; the table grows when they are not.
-    Interner<View> table((a.size() + b.size()) / 4);
+    Interner<View> table(a.size() + b.size());
     std::array<LineIds, 2> ids;
-    ids[0].reserve(a.size());
-    ids[1].reserve(b.size());
-    for (View line : a)
-        ids[0].push_back(table.idOf(line));
-    for (View line : b)
-        ids[1].push_back(table.idOf(line));
+    table.intern(a, ids[0]);
+    table.internFollowing(b, a, ids[0], ids[1]);
     return ids;
 }
 

@@ -1,7 +1,8 @@
 #include "Lines.h"
 
-#include <cstdint>
-#include <cstring>
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace SeqDiff {
 
@@ -35,22 +36,23 @@ std::size_t endingAt(std::string_view text, std::size_t i)
     }
 }
 
-// Skips, eight bytes at a time, what cannot start a line ending (a byte above CR other than
-// E2): most of a large file.
+// Skips what cannot start a line ending (a byte above CR other than E2), sixteen bytes at a
+// time where the processor allows: most of a large file.
 std::size_t skipPlain(std::string_view text, std::size_t i)
 {
-    constexpr std::uint64_t ones = 0x0101010101010101ULL;
-    constexpr std::uint64_t highs = 0x8080808080808080ULL;
-    while (i + 8 <= text.size()) {
-        std::uint64_t w;
-        std::memcpy(&w, text.data() + i, 8);
-        const std::uint64_t below0E = (w - ones * 0x0E) & ~w & highs;
-        const std::uint64_t e2 = w ^ (ones * 0xE2);
-        const std::uint64_t isE2 = (e2 - ones) & ~e2 & highs;
-        if (below0E | isE2)
-            break;
-        i += 8;
+#ifdef __SSE2__
+    const __m128i lf = _mm_set1_epi8('\n'), cr = _mm_set1_epi8('\r');
+    const __m128i e2 = _mm_set1_epi8(static_cast<char>(0xE2));
+    while (i + 16 <= text.size()) {
+        const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text.data() + i));
+        const __m128i hit = _mm_or_si128(
+            _mm_or_si128(_mm_cmpeq_epi8(v, lf), _mm_cmpeq_epi8(v, cr)), _mm_cmpeq_epi8(v, e2));
+        const int mask = _mm_movemask_epi8(hit);
+        if (mask != 0)
+            return i + std::size_t(__builtin_ctz(unsigned(mask)));
+        i += 16;
     }
+#endif
     return i;
 }
 
