@@ -135,173 +135,157 @@ std::vector<Index> byThreshold(std::span<const Index> a, std::span<const Index> 
 // number of edits to any point is known from the waves of furthest points, which is all the walk
 // back needs: a step left or up is allowed exactly when it saves one edit.
 
+// The furthest points after d edits, for the diagonals lo, lo + 2, ..., hi.
+struct Wave
+{
+    Index d = 0, lo = 0, hi = -1;
+    std::vector<Index> x;
+
+    bool has(Index k) const { return k >= lo && k <= hi; }
+    Index at(Index k) const
+    {
+        assert(has(k));
+        return x[std::size_t((k - lo) / 2)];
+    }
+};
+
 class Waves
 {
 public:
-    Waves(std::span<const Index> a, std::span<const Index> b, std::size_t fullEntries)
+    // `a` and `b` are followed in memory by two different sentinels that match nothing, so that
+    // a run of equal lines stops at the ends by itself.
+    Waves(const Index* a, Index n, const Index* b, Index m)
         : a(a)
         , b(b)
-        , n(static_cast<Index>(a.size()))
-        , m(static_cast<Index>(b.size()))
-        , fullEntries(fullEntries)
-        , blockEntries(std::max<std::size_t>(fullEntries / 4, 16))
+        , n(n)
+        , m(m)
     {
     }
 
     // Runs forward until both ends are reached; returns the number of edits, or nothing when
-    // the work went past `budget`.
+    // the work went past `budget`. Only a few waves are kept: enough to recompute any other.
     std::optional<Index> run(std::uint64_t budget)
     {
         std::uint64_t work = 0;
-        std::vector<Index> wave(size(0)), next;
-        advance(0, nullptr, wave.data(), work);
+        Wave wave = empty(0), next;
+        advance(nullptr, wave, work);
         for (Index d = 0;; ++d) {
-            const Index k = n - m;
-            const bool done = has(d, k) && wave[slot(d, k)] >= n;
-            keep(d, wave, done);
+            const bool done = wave.has(n - m) && wave.at(n - m) >= n;
+            if (done || d == 0 || d - checkpoints.back().d >= spacing(d))
+                checkpoints.push_back(wave);
             if (done)
                 return d;
             if (work > budget)
                 return std::nullopt;
-            next.resize(size(d + 1));
-            advance(d + 1, wave.data(), next.data(), work);
+            next = empty(d + 1);
+            advance(&wave, next, work);
             std::swap(wave, next);
         }
     }
 
-    // The wave after d edits; asked for with d going down.
-    const Index* at(Index d)
+    // The wave after e edits, around diagonal k. The walk back asks with e going down and k
+    // moving by one per step, so the diagonals it can still reach from here form a cone: only
+    // that cone is recomputed from the checkpoint below.
+    const Wave& around(Index e, Index k)
     {
-        if (offsets[std::size_t(d)] != kAbsent)
-            return &kept[offsets[std::size_t(d)]];
-        if (d >= blockFrom && d < blockFrom + Index(blockOffsets.size()))
-            return &block[blockOffsets[std::size_t(d - blockFrom)]];
-        // Recompute from the checkpoint below.
-        Index c = d - 1;
-        while (offsets[std::size_t(c)] == kAbsent)
-            --c;
-        blockFrom = c + 1;
-        blockOffsets.clear();
+        auto checkpoint = std::lower_bound(checkpoints.begin(), checkpoints.end(), e,
+            [](const Wave& w, Index d) { return w.d < d; });
+        if (checkpoint != checkpoints.end() && checkpoint->d == e)
+            return *checkpoint;
+        if (!block.empty() && e >= block.front().d && e <= block.back().d)
+            return block[std::size_t(e - block.front().d)];
+        const Wave* prev = &*(checkpoint - 1);
         block.clear();
+        block.reserve(std::size_t(e - prev->d));
         std::uint64_t work = 0;
-        std::size_t total = 0;
-        for (Index e = c + 1; e <= d; ++e) {
-            blockOffsets.push_back(total);
-            total += size(e);
+        for (Index f = prev->d + 1; f <= e; ++f) {
+            // k is on wave e + 1, so k - reach has the parity of wave f.
+            const Index reach = e - f + 1;
+            Wave part = empty(f);
+            part.lo = std::max(part.lo, k - reach);
+            part.hi = std::min(part.hi, k + reach);
+            advance(prev, part, work);
+            block.push_back(std::move(part));
+            prev = &block.back();
         }
-        block.resize(total);
-        const Index* prev = &kept[offsets[std::size_t(c)]];
-        for (Index e = c + 1; e <= d; ++e) {
-            Index* out = &block[blockOffsets[std::size_t(e - blockFrom)]];
-            advance(e, prev, out, work);
-            prev = out;
-        }
-        return prev;
+        return block.back();
     }
-
-    bool has(Index d, Index k) const { return k >= low(d) && k <= high(d); }
-    std::size_t slot(Index d, Index k) const { return std::size_t((k - low(d)) / 2); }
 
 private:
-    static constexpr std::size_t kAbsent = std::numeric_limits<std::size_t>::max();
-
-    Index low(Index d) const
+    // The diagonals that d edits can reach, not yet computed.
+    Wave empty(Index d) const
     {
-        Index k = std::max(-d, -m);
-        return ((k + d) & 1) ? k + 1 : k;
+        Wave w;
+        w.d = d;
+        w.lo = std::max(-d, -m);
+        w.lo += (w.lo + d) & 1;
+        w.hi = std::min(d, n);
+        w.hi -= (w.hi + d) & 1;
+        return w;
     }
-    Index high(Index d) const
-    {
-        Index k = std::min(d, n);
-        return ((k + d) & 1) ? k - 1 : k;
-    }
-    std::size_t size(Index d) const { return std::size_t((high(d) - low(d)) / 2 + 1); }
 
-    void advance(Index d, const Index* prev, Index* out, std::uint64_t& work) const
+    // Checkpoints grow apart as d^(2/3): they and the largest cone then both stay near
+    // D^(4/3) entries, and recomputing costs far less than the run itself.
+    static Index spacing(Index d) { return std::max<Index>(8, Index(std::cbrt(double(d) * d))); }
+
+    void advance(const Wave* prev, Wave& out, std::uint64_t& work) const
     {
-        const Index lo = low(d), hi = high(d);
-        const Index prevLo = d > 0 ? low(d - 1) : 0, prevHi = d > 0 ? high(d - 1) : -1;
-        for (Index k = lo; k <= hi; k += 2) {
-            Index x = 0;
+        out.x.resize(std::size_t((out.hi - out.lo) / 2 + 1));
+        Index* x = out.x.data();
+        for (Index k = out.lo; k <= out.hi; k += 2, ++x) {
+            Index to = 0;
             if (prev) {
-                x = kNone;
+                to = kNone;
                 // A line of a left unmatched, from diagonal k - 1.
-                if (k - 1 >= prevLo && k - 1 <= prevHi)
-                    x = std::min(prev[(k - 1 - prevLo) / 2] + 1, n);
+                if (prev->has(k - 1))
+                    to = std::min(prev->at(k - 1) + 1, n);
                 // A line of b left unmatched, from diagonal k + 1.
-                if (k + 1 >= prevLo && k + 1 <= prevHi)
-                    x = std::max(x, std::min(prev[(k + 1 - prevLo) / 2], m + k));
-                assert(x >= 0);
+                if (prev->has(k + 1))
+                    to = std::max(to, std::min(prev->at(k + 1), m + k));
+                assert(to >= 0);
             }
-            Index y = x - k;
-            const Index from = x;
-            while (x < n && y < m && a[std::size_t(x)] == b[std::size_t(y)]) {
-                ++x;
-                ++y;
-            }
-            work += 1 + std::uint64_t(x - from);
-            out[(k - lo) / 2] = x;
+            const Index from = to;
+            while (a[to] == b[to - k])
+                ++to;
+            work += std::uint64_t(to - from);
+            *x = to;
         }
+        work += out.x.size();
     }
 
-    // Keeps every wave while memory allows, then only checkpoints far enough apart that the
-    // waves between two of them fit in one block.
-    void keep(Index d, const std::vector<Index>& wave, bool last)
-    {
-        sinceCheckpoint += wave.size();
-        const bool full = kept.size() + wave.size() <= fullEntries;
-        if (full || last || d == 0 || sinceCheckpoint >= blockEntries) {
-            offsets.push_back(kept.size());
-            kept.insert(kept.end(), wave.begin(), wave.end());
-            sinceCheckpoint = 0;
-        } else {
-            offsets.push_back(kAbsent);
-        }
-    }
-
-    std::span<const Index> a, b;
+    const Index* a;
+    const Index* b;
     Index n, m;
-    std::size_t fullEntries, blockEntries;
-    std::size_t sinceCheckpoint = 0;
-    std::vector<Index> kept;
-    std::vector<std::size_t> offsets; // by d: where its wave starts in `kept`, or kAbsent
-    std::vector<Index> block; // waves recomputed for the walk back
-    std::vector<std::size_t> blockOffsets;
-    Index blockFrom = 0;
+    std::vector<Wave> checkpoints; // by ascending d
+    std::vector<Wave> block; // a cone recomputed for the walk back
 };
 
-std::optional<std::vector<Index>> byGreedy(std::span<const Index> a, std::span<const Index> b,
-    std::uint64_t budget, std::size_t fullEntries)
+std::optional<std::vector<Index>> byGreedy(
+    std::span<const Index> a, std::span<const Index> b, std::uint64_t budget)
 {
-    Waves waves(a, b, fullEntries);
+    Waves waves(a.data(), Index(a.size()), b.data(), Index(b.size()));
     const std::optional<Index> edits = waves.run(budget);
     if (!edits)
         return std::nullopt;
 
     std::vector<Index> match(a.size(), kNone);
     Index x = static_cast<Index>(a.size()), y = static_cast<Index>(b.size()), d = *edits;
-    const Index* before = d > 0 ? waves.at(d - 1) : nullptr;
+    const Wave* before = d > 0 ? &waves.around(d - 1, x - y) : nullptr;
     while (x > 0 && y > 0) {
         const Index k = x - y;
-        if (d > 0) {
-            if (waves.has(d - 1, k + 1) && before[waves.slot(d - 1, k + 1)] >= x) {
-                --y; // leave b[y - 1] unmatched
-            } else if (waves.has(d - 1, k - 1) && before[waves.slot(d - 1, k - 1)] >= x - 1) {
-                --x; // leave a[x - 1] unmatched
-            } else {
-                --x;
-                --y;
-                assert(a[std::size_t(x)] == b[std::size_t(y)]);
-                match[std::size_t(x)] = y;
-                continue;
-            }
-            --d;
-            before = d > 0 ? waves.at(d - 1) : nullptr;
+        if (d > 0 && before->has(k + 1) && before->at(k + 1) >= x) {
+            --y; // leave b[y - 1] unmatched
+        } else if (d > 0 && before->has(k - 1) && before->at(k - 1) >= x - 1) {
+            --x; // leave a[x - 1] unmatched
+        } else {
+            --x;
+            --y;
+            assert(a[std::size_t(x)] == b[std::size_t(y)]);
+            match[std::size_t(x)] = y;
             continue;
         }
-        --x;
-        --y;
-        match[std::size_t(x)] = y;
+        --d;
+        before = d > 0 ? &waves.around(d - 1, x - y) : nullptr;
     }
     return match;
 }
@@ -493,15 +477,18 @@ std::vector<std::int64_t> CommonSubsequence::find(Method method, const Limits& l
     if (a.empty() || b.empty())
         return result;
 
-    const Reduced r = reduce(a, b);
+    Reduced r = reduce(a, b);
     // A common head is matched pair by pair whichever method runs; take it off first.
     std::size_t head = 0;
     while (head < r.a.size() && head < r.b.size() && r.a[head] == r.b[head]) {
         result[std::size_t(r.fromA[head])] = r.fromB[head];
         ++head;
     }
-    const std::span<const Index> ra = std::span(r.a).subspan(head);
-    const std::span<const Index> rb = std::span(r.b).subspan(head);
+    const std::size_t lengthA = r.a.size(), lengthB = r.b.size();
+    r.a.push_back(-1); // sentinels for the greedy method's runs of equal lines
+    r.b.push_back(-2);
+    const std::span<const Index> ra = std::span(r.a).subspan(head, lengthA - head);
+    const std::span<const Index> rb = std::span(r.b).subspan(head, lengthB - head);
     if (ra.empty() || rb.empty())
         return result;
 
@@ -517,7 +504,7 @@ std::vector<std::int64_t> CommonSubsequence::find(Method method, const Limits& l
         const std::uint64_t thresholdCost = 30 * pairs;
         const std::uint64_t bitCost = 5 * std::uint64_t(ra.size()) * ((rb.size() + 63) / 64);
         const std::uint64_t budget = std::min(thresholdCost, bitCost) / 16 + ra.size() + rb.size();
-        std::optional<std::vector<Index>> found = byGreedy(ra, rb, budget, limits.greedyEntries);
+        std::optional<std::vector<Index>> found = byGreedy(ra, rb, budget);
         if (found) {
             used = Method::Greedy;
             match = std::move(*found);
@@ -535,8 +522,7 @@ std::vector<std::int64_t> CommonSubsequence::find(Method method, const Limits& l
             match = byBits(ra, rb, r.ids, limits.bitWords);
             break;
         default:
-            match = *byGreedy(
-                ra, rb, std::numeric_limits<std::uint64_t>::max(), limits.greedyEntries);
+            match = *byGreedy(ra, rb, std::numeric_limits<std::uint64_t>::max());
         }
     }
     for (std::size_t i = 0; i < ra.size(); ++i)

@@ -26,10 +26,10 @@ public:
         BitParallel, // 64 columns per machine word: cost grows with the product of the lengths
     };
 
-    // Memory the walk back may keep before it falls back to checkpoints and recomputing.
+    // Memory the bit-parallel rows may keep before they fall back to checkpoints and
+    // recomputing.
     struct Limits
     {
-        std::size_t greedyEntries = std::size_t(1) << 22;
         std::size_t bitWords = std::size_t(1) << 23;
     };
 
