@@ -66,26 +66,15 @@ void Diff::traverseSequences()
         ++bi;
     }
 
-    bool calledFinishedA = false, calledFinishedB = false;
+    // What is left behind the last match: one line of each side in turn, then the rest of the
+    // longer side, all in one record.
     while (ai <= lastA || bi <= lastB) {
-        if (ai == lastA + 1 && bi <= lastB) {
-            if (!calledFinishedA && CallFinishedA()) {
-                FinishedA(lastA);
-                calledFinishedA = true;
-            } else {
-                for (; bi <= lastB; ++bi)
-                    onBNotA(ai, bi);
-            }
-        }
-        if (bi == lastB + 1 && ai <= lastA) {
-            if (!calledFinishedB && CallFinishedB()) {
-                FinishedB(lastB);
-                calledFinishedB = true;
-            } else {
-                for (; ai <= lastA; ++ai)
-                    onANotB(ai, bi);
-            }
-        }
+        if (ai == lastA + 1)
+            for (; bi <= lastB; ++bi)
+                onBNotA(ai, bi);
+        if (bi == lastB + 1)
+            for (; ai <= lastA; ++ai)
+                onANotB(ai, bi);
         if (ai <= lastA)
             onANotB(ai++, bi);
         if (bi <= lastB)

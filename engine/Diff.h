@@ -27,14 +27,6 @@ public:
     // Which way the stretch between head and tail is computed; all give the same answer.
     void setMethod(CommonSubsequence::Method method, CommonSubsequence::Limits limits);
 
-protected:
-    // Hooks at the end of the walk, asked once when one side is used up and the other is not;
-    // when a Call hook says true, its Finished hook is told the last index of that side.
-    virtual bool CallFinishedA() { return false; }
-    virtual void FinishedA(std::int64_t /*lastA*/) { }
-    virtual bool CallFinishedB() { return false; }
-    virtual void FinishedB(std::int64_t /*lastB*/) { }
-
 private:
     void traverseSequences();
     void onANotB(std::int64_t ai, std::int64_t bi);
