@@ -63,22 +63,36 @@ Reduced reduce(std::span<const LineId> a, std::span<const LineId> b)
     return r;
 }
 
-// ---- threshold table ---------------------------------------------------------------------
-
-std::vector<Index> byThreshold(std::span<const Index> a, std::span<const Index> b, Index ids)
+// Where each id stands in b, ascending, one slice per id.
+struct Occurrences
 {
-    // Where each id stands in b, ascending, one slice per id.
-    std::vector<Index> start(std::size_t(ids) + 1, 0);
-    for (Index c : b)
-        ++start[std::size_t(c) + 1];
-    for (Index c = 0; c < ids; ++c)
-        start[std::size_t(c) + 1] += start[std::size_t(c)];
-    std::vector<Index> positions(b.size());
+    Occurrences(std::span<const Index> b, Index ids)
+        : start(std::size_t(ids) + 1, 0)
+        , positions(b.size())
     {
+        for (Index c : b)
+            ++start[std::size_t(c) + 1];
+        for (Index c = 0; c < ids; ++c)
+            start[std::size_t(c) + 1] += start[std::size_t(c)];
         std::vector<Index> fill(start.begin(), start.end() - 1);
         for (std::size_t j = 0; j < b.size(); ++j)
             positions[std::size_t(fill[std::size_t(b[j])]++)] = static_cast<Index>(j);
     }
+
+    std::span<const Index> of(Index c) const
+    {
+        const auto from = std::size_t(start[std::size_t(c)]);
+        return std::span(positions).subspan(from, std::size_t(start[std::size_t(c) + 1]) - from);
+    }
+
+    std::vector<Index> start, positions;
+};
+
+// ---- threshold table ---------------------------------------------------------------------
+
+std::vector<Index> byThreshold(std::span<const Index> a, std::span<const Index> b, Index ids)
+{
+    const Occurrences where(b, ids);
 
     struct Link
     {
@@ -89,10 +103,10 @@ std::vector<Index> byThreshold(std::span<const Index> a, std::span<const Index> 
     std::vector<Link> links;
 
     for (std::size_t i = 0; i < a.size(); ++i) {
-        const Index c = a[i];
+        const std::span<const Index> positions = where.of(a[i]);
         Index k = kNone;
-        for (Index p = start[std::size_t(c) + 1] - 1; p >= start[std::size_t(c)]; --p) {
-            const Index j = positions[std::size_t(p)];
+        for (auto p = positions.rbegin(); p != positions.rend(); ++p) {
+            const Index j = *p;
             Index key;
             if (k > 0 && thresh[std::size_t(k)] > j && thresh[std::size_t(k) - 1] < j) {
                 key = k;
@@ -115,6 +129,8 @@ std::vector<Index> byThreshold(std::span<const Index> a, std::span<const Index> 
                 continue;
             thresh[std::size_t(key)] = j;
             const Index prev = key > 0 ? linkAt[std::size_t(key) - 1] : kNone;
+            if (links.size() >= std::size_t(std::numeric_limits<Index>::max()))
+                throw std::length_error("too many equal lines to compare this way");
             linkAt[std::size_t(key)] = static_cast<Index>(links.size());
             links.push_back({prev, static_cast<Index>(i), j});
         }
@@ -302,31 +318,18 @@ public:
         : a(a)
         , n(a.size())
         , words((b.size() + 63) / 64)
-        , start(std::size_t(ids) + 1, 0)
-        , positions(b.size())
+        , where(b, ids)
         , denseSlot(std::size_t(ids), kNone)
         , scratch(words, 0)
     {
-        for (Index c : b)
-            ++start[std::size_t(c) + 1];
-        for (Index c = 0; c < ids; ++c)
-            start[std::size_t(c) + 1] += start[std::size_t(c)];
-        std::vector<Index> fill(start.begin(), start.end() - 1);
-        for (std::size_t j = 0; j < b.size(); ++j)
-            positions[std::size_t(fill[std::size_t(b[j])]++)] = static_cast<Index>(j);
-
         // Lines that are frequent in b get a ready mask; the rest set a few bits per row.
         const std::size_t maskBudget = std::max<std::size_t>(maxWords / 2, words);
         for (Index c = 0; c < ids; ++c) {
-            const Index count = start[std::size_t(c) + 1] - start[std::size_t(c)];
-            if (std::size_t(count) * 4 < words || (denseCount + 1) * words > maskBudget)
+            if (where.of(c).size() * 4 < words || (denseCount + 1) * words > maskBudget)
                 continue;
             denseSlot[std::size_t(c)] = static_cast<Index>(denseCount++);
             masks.resize(denseCount * words, 0);
-            Word* mask = &masks[(denseCount - 1) * words];
-            for (Index p = start[std::size_t(c)]; p < start[std::size_t(c) + 1]; ++p)
-                mask[std::size_t(positions[std::size_t(p)]) / 64] |= Word(1)
-                    << (positions[std::size_t(p)] % 64);
+            setBits(&masks[(denseCount - 1) * words], where.of(c), true);
         }
 
         if ((n + 1) * words <= maxWords) {
@@ -365,9 +368,14 @@ public:
         return rows[x].data();
     }
 
-    std::size_t wordCount() const { return words; }
-
 private:
+    // Sets the bits of `positions`, or clears their whole words.
+    static void setBits(Word* mask, std::span<const Index> positions, bool set)
+    {
+        for (Index j : positions)
+            mask[std::size_t(j) / 64] = set ? mask[std::size_t(j) / 64] | Word(1) << (j % 64) : 0;
+    }
+
     void step(Word* v, Index line)
     {
         const Index dense = denseSlot[std::size_t(line)];
@@ -375,13 +383,9 @@ private:
             update(v, &masks[std::size_t(dense) * words]);
             return;
         }
-        const Index from = start[std::size_t(line)], to = start[std::size_t(line) + 1];
-        for (Index p = from; p < to; ++p)
-            scratch[std::size_t(positions[std::size_t(p)]) / 64] |= Word(1)
-                << (positions[std::size_t(p)] % 64);
+        setBits(scratch.data(), where.of(line), true);
         update(v, scratch.data());
-        for (Index p = from; p < to; ++p)
-            scratch[std::size_t(positions[std::size_t(p)]) / 64] = 0;
+        setBits(scratch.data(), where.of(line), false);
     }
 
     void update(Word* v, const Word* mask) const
@@ -400,7 +404,8 @@ private:
 
     std::span<const Index> a;
     std::size_t n, words;
-    std::vector<Index> start, positions, denseSlot;
+    Occurrences where;
+    std::vector<Index> denseSlot;
     std::size_t denseCount = 0;
     std::vector<Word> masks, scratch;
     std::size_t stride = 1;
