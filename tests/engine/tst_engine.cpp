@@ -140,40 +140,24 @@ void TestEngine::comparing_data()
     QTest::addColumn<QString>("left");
     QTest::addColumn<QString>("right");
     QTest::addColumn<Records>("expected");
-    QTest::newRow("same text") << "a\nb\nc"
-                               << "a\nb\nc" << Records{};
-    QTest::newRow("endings differ only") << "one\rtwo"
-                                         << "one\r\ntwo" << Records{};
-    QTest::newRow("added trailing newline") << "one\ntwo"
-                                            << "one\ntwo\n"
-                                            << Records{{2, -1, 2, 2}};
-    QTest::newRow("removed trailing newline") << "one\ntwo\n"
-                                              << "one\ntwo" << Records{{2, 2, 2, -1}};
-    QTest::newRow("trailing blank differs") << "a\nb \nc"
-                                            << "a\nb\nc" << Records{{1, 1, 1, 1}};
-    QTest::newRow("case differs") << "Line"
-                                  << "line" << Records{{0, 0, 0, 0}};
-    QTest::newRow("one against two") << "one"
-                                     << "two" << Records{{0, 0, 0, 0}};
-    QTest::newRow("both empty") << ""
-                                << "" << Records{};
+    const auto row = [](const char* name, const char* left, const char* right, Records expected) {
+        QTest::newRow(name) << left << right << expected;
+    };
+    row("same text", "a\nb\nc", "a\nb\nc", {});
+    row("endings differ only", "one\rtwo", "one\r\ntwo", {});
+    row("added trailing newline", "one\ntwo", "one\ntwo\n", {{2, -1, 2, 2}});
+    row("removed trailing newline", "one\ntwo\n", "one\ntwo", {{2, 2, 2, -1}});
+    row("trailing blank differs", "a\nb \nc", "a\nb\nc", {{1, 1, 1, 1}});
+    row("case differs", "Line", "line", {{0, 0, 0, 0}});
+    row("both empty", "", "", {});
     // An empty pane is one empty line: against three lines that is a replacement.
-    QTest::newRow("empty left") << ""
-                                << "x\ny\nz" << Records{{0, 0, 0, 2}};
-    QTest::newRow("empty left, blank line right")
-        << ""
-        << "x\n\nz" << Records{{0, -1, 0, 0}, {1, -1, 2, 2}};
-    QTest::newRow("empty right") << "x\ny"
-                                 << "" << Records{{0, 1, 0, 0}};
-    QTest::newRow("worked example")
-        << "a\nb\nc\nd\ne"
-        << "a\nx\ny\nb\nc\nj\ne" << Records{{1, -1, 1, 2}, {3, 3, 5, 5}};
-    QTest::newRow("x against x x") << "x"
-                                   << "x\nx" << Records{{1, -1, 1, 1}};
-    QTest::newRow("leftovers on both sides") << "k\nx\ny"
-                                             << "k\np\nq\nr" << Records{{1, 2, 1, 3}};
-    QTest::newRow("p q p against q p q") << "p\nq\np"
-                                         << "q\np\nq" << Records{{0, 0, 0, -1}, {3, -1, 2, 2}};
+    row("empty left", "", "x\ny\nz", {{0, 0, 0, 2}});
+    row("empty left, blank line right", "", "x\n\nz", {{0, -1, 0, 0}, {1, -1, 2, 2}});
+    row("empty right", "x\ny", "", {{0, 1, 0, 0}});
+    row("worked example", "a\nb\nc\nd\ne", "a\nx\ny\nb\nc\nj\ne", {{1, -1, 1, 2}, {3, 3, 5, 5}});
+    row("x against x x", "x", "x\nx", {{1, -1, 1, 1}});
+    row("leftovers on both sides", "k\nx\ny", "k\np\nq\nr", {{1, 2, 1, 3}});
+    row("p q p against q p q", "p\nq\np", "q\np\nq", {{0, 0, 0, -1}, {3, -1, 2, 2}});
 }
 
 void TestEngine::comparing()
@@ -190,23 +174,20 @@ void TestEngine::comparing()
 
 void TestEngine::matchesArray_data()
 {
+    using Matches = std::vector<std::int64_t>;
     QTest::addColumn<QString>("left");
     QTest::addColumn<QString>("right");
-    QTest::addColumn<std::vector<std::int64_t>>("matches");
-    QTest::newRow("p q p") << "p q p"
-                           << "q p q" << std::vector<std::int64_t>{-1, 0, 1};
-    QTest::newRow("a b c d e") << "a b c d e"
-                               << "a x y b c j e" << std::vector<std::int64_t>{0, 3, 4, -1, 6};
-    QTest::newRow("swapped") << "a b"
-                             << "b a" << std::vector<std::int64_t>{-1, 0};
-    QTest::newRow("equal") << "a b c"
-                           << "a b c" << std::vector<std::int64_t>{0, 1, 2};
-    QTest::newRow("prefix") << "a b"
-                            << "a b c" << std::vector<std::int64_t>{0, 1};
-    QTest::newRow("nothing common") << "a b"
-                                    << "c d" << std::vector<std::int64_t>{};
-    QTest::newRow("lines behind the last match") << "a b c"
-                                                 << "a" << std::vector<std::int64_t>{0};
+    QTest::addColumn<Matches>("matches");
+    const auto row = [](const char* name, const char* left, const char* right, Matches matches) {
+        QTest::newRow(name) << left << right << matches;
+    };
+    row("p q p", "p q p", "q p q", {-1, 0, 1});
+    row("a b c d e", "a b c d e", "a x y b c j e", {0, 3, 4, -1, 6});
+    row("swapped", "a b", "b a", {-1, 0});
+    row("equal", "a b c", "a b c", {0, 1, 2});
+    row("prefix", "a b", "a b c", {0, 1});
+    row("nothing common", "a b", "c d", {});
+    row("lines behind the last match", "a b c", "a", {0});
 }
 
 void TestEngine::matchesArray()
