@@ -41,6 +41,10 @@ Reduced reduce(std::span<const LineId> a, std::span<const LineId> b)
     std::vector<Index> compact(std::size_t(top) + 1, kNone);
 
     Reduced r;
+    r.a.reserve(a.size() + 1);
+    r.fromA.reserve(a.size());
+    r.b.reserve(b.size() + 1);
+    r.fromB.reserve(b.size());
     for (std::size_t j = 0; j < b.size(); ++j) {
         if (!inA[b[j]])
             continue;

@@ -41,6 +41,8 @@ public:
         while (capacity < lines + lines / 4)
             capacity *= 2;
         slots.assign(capacity, Slot{0, 0});
+        // Address space only: pages are touched as distinct lines come.
+        first.reserve(lines);
     }
 
     void intern(std::span<const View> lines, LineIds& ids)

@@ -1,5 +1,7 @@
 #include "Lines.h"
 
+#include <algorithm>
+
 #ifdef __SSE2__
 #include <emmintrin.h>
 #endif
@@ -64,6 +66,9 @@ std::size_t skipPlain(std::u16string_view, std::size_t i)
 template <class View> std::vector<View> split(View text)
 {
     std::vector<View> lines;
+    // One allocation for the usual text, whose lines end in LF; growing the vector step by step
+    // costs more than this count.
+    lines.reserve(std::size_t(std::count(text.begin(), text.end(), '\n')) + 1);
     std::size_t start = 0;
     std::size_t i = 0;
     while (i < text.size()) {
