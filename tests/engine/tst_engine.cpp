@@ -97,24 +97,25 @@ void TestEngine::splitting_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QStringList>("lines");
-    QTest::newRow("no ending") << "one\ntwo" << QStringList{"one", "two"};
-    QTest::newRow("trailing LF") << "one\ntwo\n" << QStringList{"one", "two", ""};
-    QTest::newRow("blank line") << "one\n\ntwo" << QStringList{"one", "", "two"};
-    QTest::newRow("single LF") << "\n" << QStringList{"", ""};
-    QTest::newRow("empty") << "" << QStringList{""};
-    QTest::newRow("CR") << "a\rb\r" << QStringList{"a", "b", ""};
-    QTest::newRow("CR LF is one ending") << "a\r\nb" << QStringList{"a", "b"};
-    QTest::newRow("LF CR is two") << "a\n\rb" << QStringList{"a", "", "b"};
-    QTest::newRow("CR CR LF") << "a\r\r\nb" << QStringList{"a", "", "b"};
-    QTest::newRow("CR at the end") << "a\r" << QStringList{"a", ""};
-    QTest::newRow("paragraph separator")
-        << QString::fromUtf16(u"a\u2029b") << QStringList{"a", "b"};
-    QTest::newRow("line separator stays")
-        << QString::fromUtf16(u"a\u2028b") << QStringList{QString::fromUtf16(u"a\u2028b")};
-    QTest::newRow("form feed stays") << "a\fb\vc" << QStringList{"a\fb\vc"};
-    QTest::newRow("blanks kept") << " a \t\n b" << QStringList{" a \t", " b"};
-    QTest::newRow("long plain run") << QString(100, QLatin1Char('x')) + "\r\n"
-                                    << QStringList{QString(100, QLatin1Char('x')), ""};
+    const auto row = [](const char* name, const char16_t* text, QStringList lines) {
+        QTest::newRow(name) << QString::fromUtf16(text) << lines;
+    };
+    row("no ending", u"one\ntwo", {"one", "two"});
+    row("trailing LF", u"one\ntwo\n", {"one", "two", ""});
+    row("blank line", u"one\n\ntwo", {"one", "", "two"});
+    row("single LF", u"\n", {"", ""});
+    row("empty", u"", {""});
+    row("CR", u"a\rb\r", {"a", "b", ""});
+    row("CR LF is one ending", u"a\r\nb", {"a", "b"});
+    row("LF CR is two", u"a\n\rb", {"a", "", "b"});
+    row("CR CR LF", u"a\r\r\nb", {"a", "", "b"});
+    row("paragraph separator", u"a\u2029b", {"a", "b"});
+    row("line separator stays", u"a\u2028b", {QString::fromUtf16(u"a\u2028b")});
+    row("form feed stays", u"a\fb\vc", {"a\fb\vc"});
+    row("blanks kept", u" a \t\n b", {" a \t", " b"});
+    // Past the sixteen bytes that the UTF-8 splitter skips at a time.
+    row("long plain run", u"0123456789abcdefghijklmnopqrstuvwxyz\r\n",
+        {"0123456789abcdefghijklmnopqrstuvwxyz", ""});
 }
 
 void TestEngine::splitting()
