@@ -72,6 +72,7 @@ private slots:
     void randomPairsAgreeWithReference();
     void editedTextsAgreeWithReference_data();
     void editedTextsAgreeWithReference();
+    void shuffledLinesAgreeWithReference();
 };
 
 void TestEngine::recordOperations()
@@ -326,6 +327,27 @@ void TestEngine::editedTextsAgreeWithReference()
                 {CommonSubsequence::Limits{}, CommonSubsequence::Limits{64}})
                 QCOMPARE(show(compare(a, b, method, limits)), show(expected));
     }
+}
+
+void TestEngine::shuffledLinesAgreeWithReference()
+{
+    // Lines that all differ, in another order: few equal pairs but a long way round, where the
+    // automatic choice falls back on the threshold table.
+    std::mt19937_64 random(5);
+    Reference::Lines a;
+    for (int i = 0; i < 3000; ++i)
+        a.push_back(u"line " + QString::number(i).toStdU16String());
+    Reference::Lines b = a;
+    std::shuffle(b.begin(), b.end(), random);
+    const auto va = views(a), vb = views(b);
+    auto ids = SeqDiff::internLines(va, vb);
+    CommonSubsequence middle(ids[0], ids[1]);
+    std::vector<std::int64_t> expected(a.size(), -1);
+    const Reference::Matches matches = Reference::longestCommonSubsequences(a, b);
+    for (std::size_t i = 0; i < matches.size(); ++i)
+        expected[i] = matches[i].value_or(-1);
+    QCOMPARE(middle.find(), expected);
+    QCOMPARE(middle.methodUsed(), Method::Threshold);
 }
 
 QTEST_APPLESS_MAIN(TestEngine)
