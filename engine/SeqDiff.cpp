@@ -4,25 +4,33 @@
 
 namespace SeqDiff {
 
+namespace {
+
+// One comparison of two arrays of lines, numbered from one table.
+template <class View> Diff diffOf(std::span<const View> a, std::span<const View> b)
+{
+    auto ids = internLines(a, b);
+    return Diff(std::move(ids[0]), std::move(ids[1]));
+}
+
+} // namespace
+
 std::vector<Difference> FindDifferences(
     std::span<const std::u16string_view> a, std::span<const std::u16string_view> b)
 {
-    auto ids = internLines(a, b);
-    return Diff(std::move(ids[0]), std::move(ids[1])).Calculate();
+    return diffOf(a, b).Calculate();
 }
 
 std::vector<Difference> FindDifferences(
     std::span<const std::string_view> a, std::span<const std::string_view> b)
 {
-    auto ids = internLines(a, b);
-    return Diff(std::move(ids[0]), std::move(ids[1])).Calculate();
+    return diffOf(a, b).Calculate();
 }
 
 void runDiff(std::span<const std::string_view> a, std::span<const std::string_view> b,
     std::span<const Difference> expected)
 {
-    auto ids = internLines(a, b);
-    Diff diff(std::move(ids[0]), std::move(ids[1]));
+    Diff diff = diffOf(a, b);
     runDiff(diff, expected);
 }
 
