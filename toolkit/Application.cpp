@@ -1,0 +1,38 @@
+#include "Application.h"
+
+#include "Window.h"
+
+#include <QDesktopServices>
+#include <QMessageBox>
+#include <QUrl>
+
+namespace toolkit {
+
+Application::Application(int& argc, char** argv) : QApplication(argc, argv) {}
+
+void Application::Quit(int code)
+{
+    quitting_ = true;
+    for (QWidget* w : QApplication::topLevelWidgets()) {
+        if (qobject_cast<Window*>(w) && !w->close()) {
+            quitting_ = false;
+            return;
+        }
+    }
+    QCoreApplication::exit(code);
+}
+
+void Application::MsgBox(const QString& text)
+{
+    QMessageBox box;
+    box.setText(text);
+    box.setStandardButtons(QMessageBox::Ok);
+    box.exec();
+}
+
+void Application::ShowURL(const QString& address)
+{
+    QDesktopServices::openUrl(QUrl(address, QUrl::TolerantMode));
+}
+
+}  // namespace toolkit

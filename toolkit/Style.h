@@ -1,0 +1,23 @@
+#pragma once
+// Fonts and colours in the terms of the design tables: "System" at a size in pixels, where 0 means
+// the desktop's own size, and colours as 0xRRGGBB.
+
+#include <QColor>
+#include <QFont>
+
+class QWidget;
+
+namespace toolkit {
+
+struct FontStyle {
+    int size = 0;
+    bool bold = false, italic = false, underline = false;
+};
+
+QFont systemFont(FontStyle style = {});
+inline QColor rgb(unsigned value) { return QColor::fromRgb(value); }
+void setTextColor(QWidget* w, QColor color);
+// Tooltips come with CR line breaks; Qt breaks tooltip lines at LF.
+void setTooltip(QWidget* w, const QString& text);
+
+}  // namespace toolkit
