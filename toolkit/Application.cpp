@@ -8,7 +8,10 @@
 
 namespace toolkit {
 
-Application::Application(int& argc, char** argv) : QApplication(argc, argv) {}
+Application::Application(int& argc, char** argv)
+    : QApplication(argc, argv)
+{
+}
 
 void Application::Quit(int code)
 {
@@ -35,4 +38,4 @@ void Application::ShowURL(const QString& address)
     QDesktopServices::openUrl(QUrl(address, QUrl::TolerantMode));
 }
 
-}  // namespace toolkit
+} // namespace toolkit

@@ -7,14 +7,16 @@ class QUrl;
 
 namespace toolkit {
 
-struct VersionData {
+struct VersionData
+{
     int MajorVersion = 0, MinorVersion = 0, BugVersion = 0, NonReleaseVersion = 0, StageCode = 0;
     QString LongVersion, ShortVersion;
 };
 
 // The application object: version data, the quit command, and the few services the program asks
 // of the desktop.
-class Application : public QApplication {
+class Application : public QApplication
+{
     Q_OBJECT
 public:
     Application(int& argc, char** argv);
@@ -34,4 +36,4 @@ private:
     static inline bool quitting_ = false;
 };
 
-}  // namespace toolkit
+} // namespace toolkit

@@ -4,7 +4,8 @@
 
 namespace toolkit {
 
-BevelButton::BevelButton(QWidget* parent) : QToolButton(parent)
+BevelButton::BevelButton(QWidget* parent)
+    : QToolButton(parent)
 {
     setToolButtonStyle(Qt::ToolButtonTextOnly);
     connect(this, &QToolButton::clicked, this, [this] {
@@ -54,7 +55,10 @@ void BevelButton::RemoveRow(int row)
     rebuildMenu();
 }
 
-QString BevelButton::List(int row) const { return row >= 0 && row < rows.size() ? rows.at(row) : QString(); }
+QString BevelButton::List(int row) const
+{
+    return row >= 0 && row < rows.size() ? rows.at(row) : QString();
+}
 
 void BevelButton::setMenuValue(int row)
 {
@@ -88,4 +92,4 @@ void BevelButton::rebuildMenu()
     }
 }
 
-}  // namespace toolkit
+} // namespace toolkit

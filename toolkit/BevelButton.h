@@ -9,7 +9,8 @@ namespace toolkit {
 
 // A push button that can also be a pop-up of rows. MenuValue is the chosen row, -1 for none;
 // setting it from code is silent, only a user's choice raises Action.
-class BevelButton : public QToolButton {
+class BevelButton : public QToolButton
+{
     Q_OBJECT
 public:
     explicit BevelButton(QWidget* parent = nullptr);
@@ -17,7 +18,7 @@ public:
     QString Caption() const { return text(); }
     void setCaption(const QString& caption) { setText(caption); }
 
-    void setMenuStyle(int style);  // 1: a pop-up of rows
+    void setMenuStyle(int style); // 1: a pop-up of rows
     bool isPopup() const { return menu_ != nullptr; }
     void AddRow(const QString& row);
     void DeleteAllRows();
@@ -38,4 +39,4 @@ private:
     int menuValue = -1;
 };
 
-}  // namespace toolkit
+} // namespace toolkit

@@ -8,7 +8,8 @@
 namespace toolkit {
 
 Picture::Picture(int width, int height, qreal devicePixelRatio)
-    : image(qRound(width * devicePixelRatio), qRound(height * devicePixelRatio), QImage::Format_ARGB32_Premultiplied)
+    : image(qRound(width * devicePixelRatio), qRound(height * devicePixelRatio),
+        QImage::Format_ARGB32_Premultiplied)
 {
     image.setDevicePixelRatio(devicePixelRatio);
     image.fill(Qt::transparent);
@@ -21,10 +22,20 @@ Picture Picture::fromResource(const QString& name)
     return p;
 }
 
-int Picture::Width() const { return qRound(image.width() / image.devicePixelRatio()); }
-int Picture::Height() const { return qRound(image.height() / image.devicePixelRatio()); }
+int Picture::Width() const
+{
+    return qRound(image.width() / image.devicePixelRatio());
+}
+int Picture::Height() const
+{
+    return qRound(image.height() / image.devicePixelRatio());
+}
 
-Canvas::Canvas(QWidget* parent) : QWidget(parent) { setFocusPolicy(Qt::StrongFocus); }
+Canvas::Canvas(QWidget* parent)
+    : QWidget(parent)
+{
+    setFocusPolicy(Qt::StrongFocus);
+}
 
 void Canvas::setBackdrop(Picture picture)
 {
@@ -32,7 +43,10 @@ void Canvas::setBackdrop(Picture picture)
     update();
 }
 
-Picture Canvas::newPicture() const { return Picture(width(), height(), devicePixelRatioF()); }
+Picture Canvas::newPicture() const
+{
+    return Picture(width(), height(), devicePixelRatioF());
+}
 
 void Canvas::paintEvent(QPaintEvent*)
 {
@@ -52,7 +66,9 @@ void Canvas::wheelEvent(QWheelEvent* e)
 {
     const QPoint p = e->position().toPoint();
     // One notch is 120 eighths of a degree and counts three lines.
-    if (onMouseWheel && onMouseWheel(p.x(), p.y(), -e->angleDelta().x() * 3 / 120, -e->angleDelta().y() * 3 / 120))
+    if (onMouseWheel
+        && onMouseWheel(
+            p.x(), p.y(), -e->angleDelta().x() * 3 / 120, -e->angleDelta().y() * 3 / 120))
         e->accept();
     else
         e->ignore();
@@ -64,4 +80,4 @@ void Canvas::keyPressEvent(QKeyEvent* e)
     e->accept();
 }
 
-}  // namespace toolkit
+} // namespace toolkit

@@ -8,7 +8,8 @@
 namespace toolkit {
 
 // A picture kept at the screen's device pixel ratio, so that it stays sharp on HiDPI screens.
-class Picture {
+class Picture
+{
 public:
     Picture() = default;
     Picture(int width, int height, qreal devicePixelRatio);
@@ -22,7 +23,8 @@ public:
 };
 
 // A control that shows its backdrop picture and reports the mouse and keys.
-class Canvas : public QWidget {
+class Canvas : public QWidget
+{
     Q_OBJECT
 public:
     explicit Canvas(QWidget* parent = nullptr);
@@ -50,4 +52,4 @@ private:
     Picture backdrop;
 };
 
-}  // namespace toolkit
+} // namespace toolkit

@@ -8,8 +8,14 @@ namespace {
 constexpr char kLocksProperty[] = "twinlyLocks";
 constexpr char kSurfaceProperty[] = "twinlySurface";
 
-int pack(Locks l) { return (l.left ? 1 : 0) | (l.top ? 2 : 0) | (l.right ? 4 : 0) | (l.bottom ? 8 : 0); }
-Locks unpack(int v) { return {(v & 1) != 0, (v & 2) != 0, (v & 4) != 0, (v & 8) != 0}; }
+int pack(Locks l)
+{
+    return (l.left ? 1 : 0) | (l.top ? 2 : 0) | (l.right ? 4 : 0) | (l.bottom ? 8 : 0);
+}
+Locks unpack(int v)
+{
+    return {(v & 1) != 0, (v & 2) != 0, (v & 4) != 0, (v & 8) != 0};
+}
 
 // One axis: both locks stretch, the far lock alone moves, anything else stays put.
 void follow(bool nearLock, bool farLock, int delta, int& pos, int& size)
@@ -19,7 +25,7 @@ void follow(bool nearLock, bool farLock, int delta, int& pos, int& size)
     else if (farLock)
         pos += delta;
 }
-}  // namespace
+} // namespace
 
 Locks Locks::from(const char* code)
 {
@@ -27,7 +33,10 @@ Locks Locks::from(const char* code)
     return {s.contains(u'L'), s.contains(u'T'), s.contains(u'R'), s.contains(u'B')};
 }
 
-void makeSurface(QWidget* surface) { surface->setProperty(kSurfaceProperty, true); }
+void makeSurface(QWidget* surface)
+{
+    surface->setProperty(kSurfaceProperty, true);
+}
 
 QWidget* surfaceOf(const QWidget* w)
 {
@@ -44,7 +53,7 @@ QPoint originOf(const QWidget* parent)
     const QWidget* surface = surfaceOf(parent);
     return surface && surface != parent ? parent->mapTo(surface, QPoint(0, 0)) : QPoint();
 }
-}  // namespace
+} // namespace
 
 void place(QWidget* w, QWidget* parent, QRect inWindow, Locks locks)
 {
@@ -53,7 +62,10 @@ void place(QWidget* w, QWidget* parent, QRect inWindow, Locks locks)
     w->setGeometry(inWindow.translated(-originOf(parent)));
 }
 
-Locks locksOf(const QWidget* w) { return unpack(w->property(kLocksProperty).toInt()); }
+Locks locksOf(const QWidget* w)
+{
+    return unpack(w->property(kLocksProperty).toInt());
+}
 
 QRect windowRect(const QWidget* w)
 {
@@ -106,4 +118,4 @@ void applyLocks(QWidget* parent, QSize before)
     }
 }
 
-}  // namespace toolkit
+} // namespace toolkit

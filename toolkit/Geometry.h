@@ -10,7 +10,8 @@ class QWidget;
 
 namespace toolkit {
 
-struct Locks {
+struct Locks
+{
     bool left = false, top = false, right = false, bottom = false;
     // "LT-B" style: a letter switches the lock on, a dash leaves it off.
     static Locks from(const char* code);
@@ -34,4 +35,4 @@ void setWidth(QWidget* w, int width);
 // Lets the locked children of `parent` follow its change of size from `before`.
 void applyLocks(QWidget* parent, QSize before);
 
-}  // namespace toolkit
+} // namespace toolkit

@@ -4,7 +4,8 @@
 
 namespace toolkit {
 
-Label::Label(QWidget* parent) : QLabel(parent)
+Label::Label(QWidget* parent)
+    : QLabel(parent)
 {
     setTextFormat(Qt::PlainText);
     setTextInteractionFlags(Qt::NoTextInteraction);
@@ -12,7 +13,9 @@ Label::Label(QWidget* parent) : QLabel(parent)
 
 void Label::setTextAlignment(int code)
 {
-    const Qt::Alignment h = code == 2 ? Qt::AlignHCenter : code == 3 ? Qt::AlignRight : Qt::AlignLeft;
+    const Qt::Alignment h = code == 2 ? Qt::AlignHCenter
+        : code == 3                   ? Qt::AlignRight
+                                      : Qt::AlignLeft;
     setAlignment(h | (wordWrap() ? Qt::AlignTop : Qt::AlignVCenter));
 }
 
@@ -43,4 +46,4 @@ void Label::mousePressEvent(QMouseEvent* e)
     e->setAccepted(link);
 }
 
-}  // namespace toolkit
+} // namespace toolkit

@@ -5,7 +5,8 @@
 namespace toolkit {
 
 // A line (or with Multiline, a block) of text. Alignment codes: 0 left, 2 centred, 3 right.
-class Label : public QLabel {
+class Label : public QLabel
+{
     Q_OBJECT
 public:
     explicit Label(QWidget* parent = nullptr);
@@ -29,4 +30,4 @@ private:
     bool link = false;
 };
 
-}  // namespace toolkit
+} // namespace toolkit

@@ -17,7 +17,8 @@ namespace toolkit {
 namespace {
 
 // The text control that has the focus, seen through one face whichever class it is.
-struct FocusedText {
+struct FocusedText
+{
     QPlainTextEdit* plain = nullptr;
     QTextEdit* rich = nullptr;
 
@@ -31,8 +32,7 @@ struct FocusedText {
     QTextCursor cursor() const { return plain ? plain->textCursor() : rich->textCursor(); }
     QTextDocument* document() const { return plain ? plain->document() : rich->document(); }
     bool canPaste() const { return plain ? plain->canPaste() : rich->canPaste(); }
-    template <typename F>
-    void call(F f) const
+    template <typename F> void call(F f) const
     {
         if (plain)
             f(plain);
@@ -43,8 +43,8 @@ struct FocusedText {
 
 const std::vector<QString>& editingItems()
 {
-    static const std::vector<QString> names{"EditUndo", "EditRedo", "EditCut",      "EditCopy",
-                                            "EditPaste", "EditClear", "EditSelectAll"};
+    static const std::vector<QString> names{
+        "EditUndo", "EditRedo", "EditCut", "EditCopy", "EditPaste", "EditClear", "EditSelectAll"};
     return names;
 }
 
@@ -70,7 +70,7 @@ bool editingApplies(const QString& name, const FocusedText& t)
         return selection;
     if (name == QLatin1String("EditPaste"))
         return writable && t.canPaste();
-    return !t.document()->isEmpty();  // EditSelectAll
+    return !t.document()->isEmpty(); // EditSelectAll
 }
 
 void runEditing(const QString& name, const FocusedText& t)
@@ -95,12 +95,18 @@ void runEditing(const QString& name, const FocusedText& t)
     });
 }
 
-Window* frontWindow() { return qobject_cast<Window*>(QApplication::activeWindow()); }
+Window* frontWindow()
+{
+    return qobject_cast<Window*>(QApplication::activeWindow());
+}
 
-}  // namespace
+} // namespace
 
 MenuItem::MenuItem(QString name, QString text, QString shortcut, Kind kind)
-    : Name(std::move(name)), Value(std::move(text)), Shortcut(std::move(shortcut)), kind(kind)
+    : Name(std::move(name))
+    , Value(std::move(text))
+    , Shortcut(std::move(shortcut))
+    , kind(kind)
 {
 }
 
@@ -130,13 +136,15 @@ QList<QKeySequence> shortcutsFor(const QString& literal)
     if (key.isEmpty())
         return {};
     const QKeySequence sequence(QKeyCombination(modifiers, key[0].key()));
-    static const QKeySequence::StandardKey standard[] = {
-        QKeySequence::Undo,      QKeySequence::Redo, QKeySequence::Cut,  QKeySequence::Copy,
-        QKeySequence::Paste,     QKeySequence::SelectAll, QKeySequence::Quit, QKeySequence::Close};
+    static const QKeySequence::StandardKey standard[]
+        = {QKeySequence::Undo, QKeySequence::Redo, QKeySequence::Cut, QKeySequence::Copy,
+            QKeySequence::Paste, QKeySequence::SelectAll, QKeySequence::Quit, QKeySequence::Close};
     for (QKeySequence::StandardKey s : standard) {
-        const QList<QKeySequence> bindings = QKeySequence::keyBindings(s);
-        if (!bindings.isEmpty() && bindings.first() == sequence)
+        QList<QKeySequence> bindings = QKeySequence::keyBindings(s);
+        if (bindings.removeAll(sequence) > 0) {
+            bindings.prepend(sequence);
             return bindings;
+        }
     }
     return {sequence};
 }
@@ -152,8 +160,8 @@ MenuItem* MenuBar::Append(std::unique_ptr<MenuItem> entry)
 
 MenuItem* MenuBar::item(const QString& name) const
 {
-    std::function<MenuItem*(const std::vector<std::unique_ptr<MenuItem>>&)> find =
-        [&](const std::vector<std::unique_ptr<MenuItem>>& list) -> MenuItem* {
+    std::function<MenuItem*(const std::vector<std::unique_ptr<MenuItem>>&)> find
+        = [&](const std::vector<std::unique_ptr<MenuItem>>& list) -> MenuItem* {
         for (const auto& i : list) {
             if (i->Name == name)
                 return i.get();
@@ -246,4 +254,4 @@ void MenuBar::updateEnabled(MenuItem& menu)
             child->action->setEnabled(isEnabledNow(*child));
 }
 
-}  // namespace toolkit
+} // namespace toolkit

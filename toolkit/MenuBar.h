@@ -17,14 +17,15 @@ namespace toolkit {
 class Window;
 
 // One entry of a menu bar. An entry with children is a menu; the text "-" is a separator.
-class MenuItem {
+class MenuItem
+{
 public:
     enum class Kind { Plain, Quit, About };
     MenuItem(QString name, QString text, QString shortcut = {}, Kind kind = Kind::Plain);
 
     QString Name;
     QString Value;
-    QString Shortcut;  // "Cmd+Shift+Z": Cmd is the desktop's command key, Ctrl here
+    QString Shortcut; // "Cmd+Shift+Z": Cmd is the desktop's command key, Ctrl here
     Kind kind;
     bool AutoEnabled = true;
     bool Visible = true;
@@ -33,18 +34,19 @@ public:
     MenuItem* Append(std::unique_ptr<MenuItem> child);
     bool isSeparator() const { return Value == QLatin1String("-"); }
 
-    QAction* action = nullptr;  // made by MenuBar::build
-    QMenu* menu = nullptr;      // for an entry with children
+    QAction* action = nullptr; // made by MenuBar::build
+    QMenu* menu = nullptr; // for an entry with children
 };
 
-// "Cmd+Cmd+Q" and friends as key sequences; a sequence that is the first binding of one of the
-// desktop's standard keys brings all of that key's bindings.
+// "Cmd+Cmd+Q" and friends as key sequences; a sequence that is a binding of one of the desktop's
+// standard keys brings that key's other bindings too, behind it.
 QList<QKeySequence> shortcutsFor(const QString& literal);
 
 // A menu bar shared by several windows: each window gets a bar of its own that shows the same
 // menus and actions. A chosen item goes to the front window's handler of that name; editing items
 // without a handler act on the focused text control, as the desktop's text controls expect.
-class MenuBar : public QObject {
+class MenuBar : public QObject
+{
     Q_OBJECT
 public:
     MenuBar();
@@ -70,4 +72,4 @@ private:
     std::vector<std::unique_ptr<QMenu>> menus;
 };
 
-}  // namespace toolkit
+} // namespace toolkit

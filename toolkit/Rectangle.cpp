@@ -6,7 +6,10 @@
 
 namespace toolkit {
 
-Rectangle::Rectangle(QWidget* parent) : QWidget(parent) {}
+Rectangle::Rectangle(QWidget* parent)
+    : QWidget(parent)
+{
+}
 
 void Rectangle::setColors(unsigned fill, unsigned topLeft, unsigned bottomRight)
 {
@@ -27,4 +30,4 @@ void Rectangle::paintEvent(QPaintEvent*)
     p.fillRect(w - 1, 0, 1, h, BottomRightColor);
 }
 
-}  // namespace toolkit
+} // namespace toolkit

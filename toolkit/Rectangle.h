@@ -7,7 +7,8 @@ namespace toolkit {
 
 // A filled box with a one-pixel border: top and left edges in one colour, bottom and right in
 // another.
-class Rectangle : public QWidget {
+class Rectangle : public QWidget
+{
     Q_OBJECT
 public:
     explicit Rectangle(QWidget* parent = nullptr);
@@ -21,4 +22,4 @@ protected:
     void paintEvent(QPaintEvent*) override;
 };
 
-}  // namespace toolkit
+} // namespace toolkit

@@ -34,4 +34,4 @@ void setTooltip(QWidget* w, const QString& text)
     w->setToolTip(t);
 }
 
-}  // namespace toolkit
+} // namespace toolkit

@@ -9,15 +9,19 @@ class QWidget;
 
 namespace toolkit {
 
-struct FontStyle {
+struct FontStyle
+{
     int size = 0;
     bool bold = false, italic = false, underline = false;
 };
 
 QFont systemFont(FontStyle style = {});
-inline QColor rgb(unsigned value) { return QColor::fromRgb(value); }
+inline QColor rgb(unsigned value)
+{
+    return QColor::fromRgb(value);
+}
 void setTextColor(QWidget* w, QColor color);
 // Tooltips come with CR line breaks; Qt breaks tooltip lines at LF.
 void setTooltip(QWidget* w, const QString& text);
 
-}  // namespace toolkit
+} // namespace toolkit

@@ -10,7 +10,8 @@
 
 namespace toolkit {
 
-TextArea::TextArea(QWidget* parent) : QPlainTextEdit(parent)
+TextArea::TextArea(QWidget* parent)
+    : QPlainTextEdit(parent)
 {
     setLineWrapMode(QPlainTextEdit::NoWrap);
     setTabChangesFocus(true);
@@ -18,9 +19,24 @@ TextArea::TextArea(QWidget* parent) : QPlainTextEdit(parent)
     connect(this, &QPlainTextEdit::textChanged, this, &TextArea::TextChange);
 }
 
-int TextArea::LineCount() const { return document()->blockCount(); }
+QStringList TextArea::Lines() const
+{
+    QStringList lines;
+    lines.reserve(document()->blockCount());
+    for (QTextBlock b = document()->begin(); b.isValid(); b = b.next())
+        lines.append(b.text());
+    return lines;
+}
 
-int TextArea::VerticalScrollPosition() const { return verticalScrollBar()->value(); }
+int TextArea::LineCount() const
+{
+    return document()->blockCount();
+}
+
+int TextArea::VerticalScrollPosition() const
+{
+    return verticalScrollBar()->value();
+}
 
 void TextArea::setVerticalScrollPosition(int line)
 {
@@ -42,9 +58,15 @@ int TextArea::CharacterPosition(double x, double y) const
     return cursorForPosition(inViewport).position() + 1;
 }
 
-int TextArea::LineHeight() const { return fontMetrics().lineSpacing(); }
+int TextArea::LineHeight() const
+{
+    return fontMetrics().lineSpacing();
+}
 
-int TextArea::SelectionStart() const { return textCursor().selectionStart(); }
+int TextArea::SelectionStart() const
+{
+    return textCursor().selectionStart();
+}
 
 int TextArea::SelectionLength() const
 {
@@ -76,4 +98,4 @@ void TextArea::wheelEvent(QWheelEvent* e)
     QPlainTextEdit::wheelEvent(e);
 }
 
-}  // namespace toolkit
+} // namespace toolkit

@@ -8,7 +8,8 @@ namespace toolkit {
 
 // An editable pane without line wrap, so that a pane's lines are its text's lines.
 // Scroll positions count lines; character positions are one above the selection's scale.
-class TextArea : public QPlainTextEdit {
+class TextArea : public QPlainTextEdit
+{
     Q_OBJECT
 public:
     explicit TextArea(QWidget* parent = nullptr);
@@ -17,6 +18,8 @@ public:
     // Raises TextChange, as typing does.
     void setText(const QString& text) { setPlainText(text); }
 
+    // The pane's lines as it shows them: CR, LF, CR LF and U+2029 end a line, U+2028 does not.
+    QStringList Lines() const;
     int LineCount() const;
     int VerticalScrollPosition() const;
     // Stops at the first or the last line.
@@ -42,4 +45,4 @@ protected:
     void wheelEvent(QWheelEvent* e) override;
 };
 
-}  // namespace toolkit
+} // namespace toolkit

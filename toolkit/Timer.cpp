@@ -2,7 +2,8 @@
 
 namespace toolkit {
 
-Timer::Timer(QObject* parent) : QObject(parent)
+Timer::Timer(QObject* parent)
+    : QObject(parent)
 {
     timer.setTimerType(Qt::PreciseTimer);
     connect(&timer, &QTimer::timeout, this, [this] {
@@ -23,4 +24,4 @@ void Timer::setMode(int newMode)
     timer.start();
 }
 
-}  // namespace toolkit
+} // namespace toolkit

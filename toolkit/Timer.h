@@ -7,7 +7,8 @@ namespace toolkit {
 
 // Mode 0 is off, 1 fires once, 2 fires repeatedly; setting a mode other than 0 (re)starts the
 // period.
-class Timer : public QObject {
+class Timer : public QObject
+{
     Q_OBJECT
 public:
     explicit Timer(QObject* parent = nullptr);
@@ -24,4 +25,4 @@ private:
     int mode = 0;
 };
 
-}  // namespace toolkit
+} // namespace toolkit

@@ -12,9 +12,13 @@
 namespace toolkit {
 
 // Lets locked controls follow a change of the window's size before the window hears of it.
-class Window::Surface : public QWidget {
+class Window::Surface : public QWidget
+{
 public:
-    Surface(Window* window, QSize size) : QWidget(window), window(window), laidOut(size)
+    Surface(Window* window, QSize size)
+        : QWidget(window)
+        , window(window)
+        , laidOut(size)
     {
         makeSurface(this);
         resize(size);
@@ -40,7 +44,9 @@ private:
     QSize laidOut;
 };
 
-Window::Window(QSize contentSize, QWidget* parent) : QMainWindow(parent), surface_(new Surface(this, contentSize))
+Window::Window(QSize contentSize, QWidget* parent)
+    : QMainWindow(parent)
+    , surface_(new Surface(this, contentSize))
 {
     setCentralWidget(surface_);
     resize(contentSize);
@@ -52,14 +58,34 @@ Window::~Window()
         menuBarModel_->uninstall(this);
 }
 
-QWidget* Window::surface() const { return surface_; }
-int Window::Width() const { return surface_->width(); }
-int Window::Height() const { return surface_->height(); }
+QWidget* Window::surface() const
+{
+    return surface_;
+}
+int Window::Width() const
+{
+    return surface_->width();
+}
+int Window::Height() const
+{
+    return surface_->height();
+}
+
+// The height the menu bar takes above the content: as laid out once shown, as it will be before.
+static int menuBarHeight(const QMainWindow* window, int width)
+{
+    const QWidget* bar = window->menuWidget();
+    if (!bar || bar->isHidden())
+        return 0;
+    if (bar->isVisible())
+        return bar->height();
+    const int h = bar->heightForWidth(width);
+    return h > 0 ? h : bar->sizeHint().height();
+}
 
 void Window::setSize(int width, int height)
 {
-    // The frame around the content: the menu bar, once laid out.
-    const int extra = menuWidget() && menuWidget()->isVisible() ? menuWidget()->height() : 0;
+    const int extra = menuBarHeight(this, width);
     if (!isVisible())
         surface_->resize(width, height);
     resize(width, height + extra);
@@ -81,9 +107,12 @@ void Window::setMenuBarModel(MenuBar* bar)
 {
     if (menuBarModel_)
         menuBarModel_->uninstall(this);
+    const QSize content = surface_->size();
     menuBarModel_ = bar;
     if (bar)
         bar->install(this);
+    // The bar takes its room from the window, not from the content.
+    setSize(content.width(), content.height());
 }
 
 void Window::addMenuHandler(const QString& itemName, std::function<bool()> handler)
@@ -116,8 +145,14 @@ void Window::ShowModal()
     loop.exec();
 }
 
-bool Window::Event_CancelClose(bool) { return false; }
-bool Window::Event_MouseDown(int, int) { return false; }
+bool Window::Event_CancelClose(bool)
+{
+    return false;
+}
+bool Window::Event_MouseDown(int, int)
+{
+    return false;
+}
 
 void Window::showEvent(QShowEvent* e)
 {
@@ -152,4 +187,4 @@ void Window::changeEvent(QEvent* e)
         Event_Deactivate();
 }
 
-}  // namespace toolkit
+} // namespace toolkit

@@ -12,7 +12,8 @@ class MenuBar;
 
 // A top-level window whose Width and Height are those of its content, below the menu bar.
 // Subclasses answer the window's events by overriding the Event_ methods.
-class Window : public QMainWindow {
+class Window : public QMainWindow
+{
     Q_OBJECT
 public:
     explicit Window(QSize contentSize, QWidget* parent = nullptr);
@@ -48,13 +49,13 @@ signals:
     void hidden();
 
 protected:
-    virtual void Event_Open() {}
-    virtual void Event_Close() {}
+    virtual void Event_Open() { }
+    virtual void Event_Close() { }
     // True keeps the window open.
     virtual bool Event_CancelClose(bool appQuitting);
-    virtual void Event_Resized() {}
+    virtual void Event_Resized() { }
     virtual bool Event_MouseDown(int x, int y);
-    virtual void Event_Deactivate() {}
+    virtual void Event_Deactivate() { }
 
     void showEvent(QShowEvent* e) override;
     void hideEvent(QHideEvent* e) override;
@@ -71,8 +72,7 @@ private:
 };
 
 // The one window of a class, made on first use; a hidden window is still that window.
-template <class W>
-W& implicitInstance()
+template <class W> W& implicitInstance()
 {
     static QPointer<W> instance;
     if (!instance)
@@ -80,4 +80,4 @@ W& implicitInstance()
     return *instance;
 }
 
-}  // namespace toolkit
+} // namespace toolkit

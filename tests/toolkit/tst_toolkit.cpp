@@ -1,0 +1,241 @@
+#include "BevelButton.h"
+#include "Geometry.h"
+#include "MenuBar.h"
+#include "TextArea.h"
+#include "Timer.h"
+
+#include <QMenu>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QTest>
+#include <QTextBlock>
+
+using toolkit::Locks;
+
+class TstToolkit : public QObject
+{
+    Q_OBJECT
+private slots:
+    void locksFollowTheParent_data();
+    void locksFollowTheParent();
+    void nestedControlsMoveWithTheirParent();
+    void menuValueFromCodeIsSilent();
+    void paneLinesAreTheTextsLines_data();
+    void paneLinesAreTheTextsLines();
+    void scrollPositionCountsLinesAndStops();
+    void characterPositionsShareOneScale();
+    void timerModes();
+    void shortcutLiterals_data();
+    void shortcutLiterals();
+};
+
+void TstToolkit::locksFollowTheParent_data()
+{
+    QTest::addColumn<QString>("locks");
+    QTest::addColumn<QRect>("after"); // parent grows from 200x100 to 260x140
+    QTest::newRow("none stays") << "----" << QRect(10, 20, 30, 40);
+    QTest::newRow("left and top stay") << "LT--" << QRect(10, 20, 30, 40);
+    QTest::newRow("right moves") << "--R-" << QRect(70, 20, 30, 40);
+    QTest::newRow("bottom moves") << "---B" << QRect(10, 60, 30, 40);
+    QTest::newRow("right and bottom move") << "--RB" << QRect(70, 60, 30, 40);
+    QTest::newRow("left and right stretch") << "L-R-" << QRect(10, 20, 90, 40);
+    QTest::newRow("top and bottom stretch") << "LT-B" << QRect(10, 20, 30, 80);
+    QTest::newRow("all four stretch") << "LTRB" << QRect(10, 20, 90, 80);
+}
+
+void TstToolkit::locksFollowTheParent()
+{
+    QFETCH(QString, locks);
+    QFETCH(QRect, after);
+    QWidget surface;
+    toolkit::makeSurface(&surface);
+    surface.resize(400, 400);
+    QWidget parent, child;
+    toolkit::place(&parent, &surface, {5, 5, 200, 100}, Locks::from("LT--"));
+    toolkit::place(&child, &parent, {15, 25, 30, 40}, Locks::from(locks.toLatin1().constData()));
+    toolkit::setWindowRect(&parent, {5, 5, 260, 140});
+    QCOMPARE(toolkit::windowRect(&child), after.translated(5, 5));
+    // Shrinking back restores the design.
+    toolkit::setWindowRect(&parent, {5, 5, 200, 100});
+    QCOMPARE(toolkit::windowRect(&child), QRect(15, 25, 30, 40));
+}
+
+void TstToolkit::nestedControlsMoveWithTheirParent()
+{
+    QWidget surface;
+    toolkit::makeSurface(&surface);
+    surface.resize(300, 200);
+    QWidget back, inner, grandchild;
+    toolkit::place(&back, &surface, {2, 2, 296, 196}, Locks::from("LTRB"));
+    toolkit::place(&inner, &back, {100, 150, 80, 30}, Locks::from("---B"));
+    toolkit::place(&grandchild, &inner, {110, 155, 20, 10}, Locks::from("---B"));
+    QCOMPARE(toolkit::windowRect(&grandchild), QRect(110, 155, 20, 10));
+
+    toolkit::setLeft(&inner, 140); // children go with their parent
+    QCOMPARE(toolkit::windowRect(&grandchild), QRect(150, 155, 20, 10));
+
+    const QSize before = surface.size();
+    surface.resize(300, 260);
+    toolkit::applyLocks(&surface, before);
+    QCOMPARE(toolkit::windowRect(&back), QRect(2, 2, 296, 256));
+    QCOMPARE(toolkit::windowRect(&inner), QRect(140, 210, 80, 30));
+    QCOMPARE(toolkit::windowRect(&grandchild), QRect(150, 215, 20, 10));
+}
+
+void TstToolkit::menuValueFromCodeIsSilent()
+{
+    toolkit::BevelButton b;
+    b.setMenuStyle(1);
+    for (const char* row : {"UTF-8", "ShiftJIS", "Japanese EUC"})
+        b.AddRow(QString::fromLatin1(row));
+    QSignalSpy action(&b, &toolkit::BevelButton::Action);
+
+    b.setMenuValue(2);
+    QCOMPARE(b.MenuValue(), 2);
+    b.setMenuValue(7);
+    QCOMPARE(b.MenuValue(), -1);
+    QCOMPARE(action.count(), 0);
+
+    b.menu()->actions().at(1)->trigger(); // what a user's choice does
+    QCOMPARE(action.count(), 1);
+    QCOMPARE(b.MenuValue(), 1);
+    QVERIFY(b.menu()->actions().at(1)->isChecked());
+    QVERIFY(!b.menu()->actions().at(0)->isChecked());
+
+    b.RemoveRow(0);
+    QCOMPARE(b.MenuValue(), 0);
+    QCOMPARE(b.List(0), QStringLiteral("ShiftJIS"));
+    b.DeleteAllRows();
+    QCOMPARE(b.MenuValue(), -1);
+    QCOMPARE(b.ListCount(), 0);
+    QCOMPARE(action.count(), 1);
+}
+
+void TstToolkit::paneLinesAreTheTextsLines_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QStringList>("lines");
+    QTest::newRow("CR") << "one\rtwo\r" << QStringList{"one", "two", ""};
+    QTest::newRow("CR LF counts once") << "one\r\ntwo" << QStringList{"one", "two"};
+    QTest::newRow("LF and blank") << "one\n\ntwo" << QStringList{"one", "", "two"};
+    QTest::newRow("paragraph separator")
+        << QString::fromUtf16(u"one\u2029two") << QStringList{"one", "two"};
+    QTest::newRow("line separator stays inside")
+        << QString::fromUtf16(u"one\u2028two") << QStringList{QString::fromUtf16(u"one\u2028two")};
+    QTest::newRow("empty text is one empty line") << "" << QStringList{""};
+    QTest::newRow("non-breaking space kept")
+        << QString::fromUtf16(u"a\u00A0b") << QStringList{QString::fromUtf16(u"a\u00A0b")};
+}
+
+void TstToolkit::paneLinesAreTheTextsLines()
+{
+    QFETCH(QString, text);
+    QFETCH(QStringList, lines);
+    toolkit::TextArea pane;
+    QSignalSpy change(&pane, &toolkit::TextArea::TextChange);
+    pane.setText(text);
+    QVERIFY(change.count() >= 1);
+    QCOMPARE(pane.Lines(), lines);
+    QCOMPARE(pane.LineCount(), lines.size());
+}
+
+void TstToolkit::scrollPositionCountsLinesAndStops()
+{
+    toolkit::TextArea pane;
+    pane.resize(200, 150);
+    QStringList lines;
+    for (int i = 0; i < 500; ++i)
+        lines << QStringLiteral("line %1").arg(i);
+    pane.setText(lines.join(u'\r'));
+    pane.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&pane));
+
+    pane.setVerticalScrollPosition(120);
+    QCOMPARE(pane.VerticalScrollPosition(), 120);
+    QCOMPARE(pane.cursorForPosition(QPoint(5, 5)).blockNumber(), 120);
+    pane.setVerticalScrollPosition(-3);
+    QCOMPARE(pane.VerticalScrollPosition(), 0);
+    pane.setVerticalScrollPosition(1'000'000);
+    const int last = pane.VerticalScrollPosition();
+    QVERIFY(last > 400 && last < 500);
+    QCOMPARE(last, pane.verticalScrollBar()->maximum());
+}
+
+void TstToolkit::characterPositionsShareOneScale()
+{
+    toolkit::TextArea pane;
+    pane.resize(240, 200);
+    pane.setText(QStringLiteral(
+        "alpha\rbeta\r\rgamma delta\repsilon\rzeta\reta\rtheta\riota\rkappa\rlambda\rmu"));
+    pane.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&pane));
+
+    QCOMPARE(pane.CharacterPosition(0), 1);
+    QCOMPARE(
+        pane.CharacterPosition(1), 7); // "alpha" and its break, one above SelectionStart's scale
+    pane.select(pane.CharacterPosition(3) - 1, 0);
+    QCOMPARE(pane.textCursor().block().text(), QStringLiteral("gamma delta"));
+
+    // Every pixel row of a visible line answers that line's position at x = 4, growing downward.
+    const QTextBlock last = pane.document()->lastBlock();
+    const int textBottom
+        = pane.viewport()->mapTo(&pane, pane.cursorRect(QTextCursor(last)).bottomLeft()).y();
+    QVERIFY(textBottom < pane.height());
+    int previous = 0;
+    for (int y = 0; y < textBottom; ++y) {
+        const int at = pane.CharacterPosition(4.0, double(y));
+        QVERIFY2(at >= previous, qPrintable(QStringLiteral("row %1").arg(y)));
+        previous = at;
+        const QTextBlock block
+            = pane.cursorForPosition(pane.viewport()->mapFrom(&pane, QPoint(4, y))).block();
+        QCOMPARE(at, pane.CharacterPosition(block.blockNumber()));
+    }
+    QCOMPARE(pane.CharacterPosition(99), pane.document()->characterCount() + 1);
+}
+
+void TstToolkit::timerModes()
+{
+    toolkit::Timer t;
+    t.setPeriod(10);
+    QSignalSpy fired(&t, &toolkit::Timer::Action);
+    t.setMode(1);
+    QVERIFY(fired.wait(2000));
+    QCOMPARE(t.Mode(), 0);
+    QTest::qWait(60);
+    QCOMPARE(fired.count(), 1);
+
+    t.setMode(2);
+    QTRY_VERIFY_WITH_TIMEOUT(fired.count() >= 4, 2000);
+    QCOMPARE(t.Mode(), 2);
+    t.setMode(0);
+    const int stopped = fired.count();
+    QTest::qWait(60);
+    QCOMPARE(fired.count(), stopped);
+}
+
+void TstToolkit::shortcutLiterals_data()
+{
+    QTest::addColumn<QString>("literal");
+    QTest::addColumn<QKeySequence>("primary");
+    QTest::addColumn<int>("atLeast");
+    QTest::newRow("doubled modifier") << "Cmd+Cmd+Q" << QKeySequence(Qt::CTRL | Qt::Key_Q) << 1;
+    QTest::newRow("undo") << "Cmd+Z" << QKeySequence(Qt::CTRL | Qt::Key_Z) << 1;
+    QTest::newRow("redo brings its other keys")
+        << "Cmd+Shift+Z" << QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z) << 2;
+    QTest::newRow("select all") << "Cmd+A" << QKeySequence(Qt::CTRL | Qt::Key_A) << 1;
+    QTest::newRow("none") << "" << QKeySequence() << 0;
+}
+
+void TstToolkit::shortcutLiterals()
+{
+    QFETCH(QString, literal);
+    QFETCH(QKeySequence, primary);
+    QFETCH(int, atLeast);
+    const QList<QKeySequence> keys = toolkit::shortcutsFor(literal);
+    QVERIFY(keys.size() >= atLeast);
+    if (atLeast > 0)
+        QVERIFY(keys.contains(primary));
+}
+
+QTEST_MAIN(TstToolkit)
+#include "tst_toolkit.moc"
