@@ -17,6 +17,10 @@ string(JOIN "\n" CPACK_PACKAGE_DESCRIPTION
 set(CPACK_RESOURCE_FILE_LICENSE "${PROJECT_SOURCE_DIR}/COPYING")
 set(CPACK_PACKAGE_CHECKSUM SHA256)
 
+# The program knows its installed paths (the About window links the installed README), so the
+# package installs exactly where the build was configured to. Packaging builds are configured
+# with -DCMAKE_INSTALL_PREFIX=/usr, as scripts/package does.
+set(CPACK_PACKAGING_INSTALL_PREFIX "${CMAKE_INSTALL_PREFIX}")
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION text)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
