@@ -14,6 +14,8 @@ App::App(int& argc, char** argv)
     setApplicationName(QStringLiteral("twinly"));
     setApplicationVersion(version.ShortVersion);
     setWindowIcon(QIcon(QStringLiteral(":/Twinly_Icon9_128.png")));
+    // Lets the desktop match the window to the installed entry and its icon.
+    setDesktopFileName(QStringLiteral("twinly"));
     // The menus fetch their texts once, so the user's language must be in place first.
     globals::installTranslator(*this);
     MenuBar1::instance();
