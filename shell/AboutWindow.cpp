@@ -2,6 +2,7 @@
 
 #include "App.h"
 #include "Canvas.h"
+#include "Controls.h"
 #include "Geometry.h"
 #include "Label.h"
 #include "Rectangle.h"
@@ -11,41 +12,6 @@
 #include <algorithm>
 
 using namespace toolkit;
-
-namespace {
-
-struct Look
-{
-    FontStyle font;
-    int alignment = 0;
-    unsigned color = 0x000000;
-    bool multiline = false;
-};
-
-Label* makeLabel(const char* name, QWidget* parent, QRect inWindow, const QString& text, Look look)
-{
-    auto* label = new Label();
-    label->setObjectName(QLatin1String(name));
-    place(label, parent, inWindow, Locks());
-    label->setText(text);
-    label->setFont(systemFont(look.font));
-    label->setMultiline(look.multiline);
-    label->setTextAlignment(look.alignment);
-    setTextColor(label, rgb(look.color));
-    return label;
-}
-
-Rectangle* makeRectangle(
-    const char* name, QRect inWindow, unsigned fill, unsigned border, QWidget* parent)
-{
-    auto* r = new Rectangle();
-    r->setObjectName(QLatin1String(name));
-    place(r, parent, inWindow, Locks());
-    r->setColors(fill, border, border);
-    return r;
-}
-
-} // namespace
 
 AboutWindow::AboutWindow()
     : Window(QSize(380, 400))
@@ -59,8 +25,7 @@ void AboutWindow::Layout()
     setTitle(globals::kAboutM());
     // Closing it ends it; the next use of the Help menu makes a new one.
     setAttribute(Qt::WA_DeleteOnClose);
-    setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint
-        | Qt::WindowSystemMenuHint | Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint);
+    setFrame(true, false);
     setSizeLimits(QSize(64, 64), QSize(32000, 32000));
     setResizeable(false);
 }
@@ -68,52 +33,50 @@ void AboutWindow::Layout()
 void AboutWindow::CreateControls()
 {
     QWidget* const window = surface();
-    const Look link{{12, false, false, true}, 0, 0x0000FF};
-    const Look small{{12}, 3};
+    const LabelLook small{{12}, 3};
 
     Canvas1 = new Canvas();
     Canvas1->setObjectName(QStringLiteral("Canvas1"));
     Canvas1->setBackdrop(Picture::fromResource(QStringLiteral("Twinly_Icon9_128.png")));
     place(Canvas1, window, QRect(126, 19, 128, 128), Locks());
 
-    AppNameTxt
-        = makeLabel("AppNameTxt", window, {115, 162, 150, 30}, globals::kAppName(), {{24}, 2});
-    VerText
-        = makeLabel("VerText", window, {115, 193, 150, 20}, QStringLiteral("Version ###"), {{}, 2});
+    AppNameTxt = makeLabel(
+        "AppNameTxt", window, {115, 162, 150, 30}, "----", globals::kAppName(), {{24}, 2});
+    VerText = makeLabel(
+        "VerText", window, {115, 193, 150, 20}, "----", QStringLiteral("Version ###"), {{}, 2});
     // Not localised: the notice reads the same in every language.
-    Label1 = makeLabel("Label1", window, {74, 283, 232, 30},
+    Label1 = makeLabel("Label1", window, {74, 283, 232, 30}, "----",
         QStringLiteral("© 2026 the Twinly developers\n"
                        "Free software: GNU LGPL 2.1 or later"),
         {{10}, 2, 0x000000, true});
 
-    Rectangle1 = makeRectangle("Rectangle1", {10, 316, 360, 60}, 0xFFFFFF, 0x000000, window);
-    Label2 = makeLabel("Label2", Rectangle1, {20, 325, 60, 20}, QStringLiteral("Support:"), small);
-    Label3 = makeLabel("Label3", Rectangle1, {20, 353, 60, 20}, QStringLiteral("E-Mail:"), small);
+    Rectangle1
+        = makeRectangle("Rectangle1", window, {10, 316, 360, 60}, "----", 0xFFFFFF, 0x000000);
+    Label2 = makeLabel(
+        "Label2", Rectangle1, {20, 325, 60, 20}, "----", QStringLiteral("Support:"), small);
+    Label3 = makeLabel(
+        "Label3", Rectangle1, {20, 353, 60, 20}, "----", QStringLiteral("E-Mail:"), small);
     setTooltip(
         Label3, QStringLiteral("ご質問だけでなく、ご意見ご感想などもどしどしお寄せください"));
-    URLText = makeLabel(
-        "URLText", Rectangle1, {93, 325, 270, 20}, QString::fromUtf8(TWINLY_SUPPORT_URL), link);
-    MailText = makeLabel(
-        "MailText", Rectangle1, {93, 353, 138, 20}, QString::fromUtf8(TWINLY_SUPPORT_MAIL), link);
+    // A configured address longer than its field may use the box's width.
+    URLText = makeLink("URLText", Rectangle1, {93, 325, 270, 20}, "----",
+        QString::fromUtf8(TWINLY_SUPPORT_URL), {12}, 270);
+    MailText = makeLink("MailText", Rectangle1, {93, 353, 138, 20}, "----",
+        QString::fromUtf8(TWINLY_SUPPORT_MAIL), {12}, 270);
     setTooltip(URLText, globals::kURLHTag());
     setTooltip(MailText, globals::kMailHTag());
-    // The pointing hand while hovering comes with being a link; the colour never changes.
-    URLText->setLink(true);
-    MailText->setLink(true);
-    // A configured address may be longer than the designed field: it may use the box's width.
-    if (MailText->sizeHint().width() > MailText->width())
-        setWidth(MailText, std::min(MailText->sizeHint().width(), URLText->width()));
     // Without a support address there is nothing to offer on that row.
     if (MailText->text().isEmpty()) {
         Label3->hide();
         MailText->hide();
     }
 
-    Rectangle2 = makeRectangle("Rectangle2", {55, 215, 270, 58}, 0x999999, 0x999999, window);
-    Label4 = makeLabel(
-        "Label4", Rectangle2, {65, 235, 250, 20}, globals::kSummaryT(), {{14}, 2, 0xFFFFFF, true});
-    Label6 = makeLabel(
-        "Label6", window, {10, 384, 360, 16}, globals::kHitAnyKeyT(), {{10, true, true}, 2});
+    Rectangle2
+        = makeRectangle("Rectangle2", window, {55, 215, 270, 58}, "----", 0x999999, 0x999999);
+    Label4 = makeLabel("Label4", Rectangle2, {65, 235, 250, 20}, "----", globals::kSummaryT(),
+        {{14}, 2, 0xFFFFFF, true});
+    Label6 = makeLabel("Label6", window, {10, 384, 360, 16}, "----", globals::kHitAnyKeyT(),
+        {{10, true, true}, 2});
 
     connect(Canvas1, &Canvas::KeyDown, this, &AboutWindow::Canvas1_KeyDown);
     connect(URLText, &Label::MouseDown, this, &AboutWindow::URLText_MouseDown);

@@ -1,12 +1,12 @@
 #include "HelpWindow.h"
 
+#include "Controls.h"
 #include "Geometry.h"
 #include "MenuBar1.h"
 #include "Style.h"
 #include "TextArea.h"
 #include "globals.h"
 
-#include <QPalette>
 
 using namespace toolkit;
 
@@ -23,23 +23,14 @@ void HelpWindow::Layout()
     setTitle(globals::kManualM());
     setMenuBarModel(&MenuBar1::instance());
     setSizeLimits(QSize(64, 64), QSize(32000, 32000));
-    setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint
-        | Qt::WindowSystemMenuHint | Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint);
+    setFrame(false, false);
+    // Kept, not closed: the next Show brings it back scrolled where it was.
+    setHiddenOnClose(true);
 }
 
 void HelpWindow::CreateControls()
 {
-    TextArea1 = new TextArea();
-    TextArea1->setObjectName(QStringLiteral("TextArea1"));
-    TextArea1->setPlainText(globals::kManualT());
-    place(TextArea1, surface(), QRect(0, 0, 400, 385), Locks::from("LTRB"));
-    TextArea1->setReadOnly(true);
-    // The manual is prose: it wraps at the window's width instead of scrolling sideways.
-    TextArea1->setLineWrapMode(QPlainTextEdit::WidgetWidth);
-    QPalette p = TextArea1->palette();
-    p.setColor(QPalette::Base, rgb(0xFFFFFF));
-    TextArea1->setPalette(p);
-    setTextColor(TextArea1, rgb(0x000000));
+    TextArea1 = makeNotice("TextArea1", surface(), {0, 0, 400, 385}, "LTRB", globals::kManualT());
     TextArea1->setFocus();
 }
 
@@ -51,14 +42,5 @@ void HelpWindow::AddMenuHandlers()
 bool HelpWindow::_FileClose_Action()
 {
     Close();
-    return true;
-}
-
-bool HelpWindow::Event_CancelClose(bool appQuitting)
-{
-    if (appQuitting)
-        return false;
-    // Kept, not closed: the next Show brings back this window, scrolled where it was.
-    Hide();
     return true;
 }

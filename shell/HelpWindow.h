@@ -17,9 +17,6 @@ public:
 
     bool _FileClose_Action();
 
-protected:
-    bool Event_CancelClose(bool appQuitting) override;
-
 private:
     void Layout();
     void CreateControls();

@@ -35,9 +35,6 @@ public:
 
     bool _FileClose_Action();
 
-protected:
-    bool Event_CancelClose(bool appQuitting) override;
-
 private:
     void Layout();
     void CreateControls();

@@ -145,10 +145,24 @@ void Window::ShowModal()
     loop.exec();
 }
 
-bool Window::Event_CancelClose(bool)
+void Window::setFrame(bool dialog, bool maximizeButton)
 {
-    return false;
+    Qt::WindowFlags flags = (dialog ? Qt::Dialog : Qt::Window) | Qt::CustomizeWindowHint
+        | Qt::WindowTitleHint | Qt::WindowSystemMenuHint | Qt::WindowMinimizeButtonHint
+        | Qt::WindowCloseButtonHint;
+    if (maximizeButton)
+        flags |= Qt::WindowMaximizeButtonHint;
+    setWindowFlags(flags);
 }
+
+bool Window::Event_CancelClose(bool appQuitting)
+{
+    if (!hiddenOnClose || appQuitting)
+        return false;
+    Hide();
+    return true;
+}
+
 bool Window::Event_MouseDown(int, int)
 {
     return false;

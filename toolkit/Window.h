@@ -30,6 +30,11 @@ public:
     void setHeight(int height) { setSize(Width(), height); }
     void setSizeLimits(QSize minimum, QSize maximum);
     void setResizeable(bool on);
+    // Title, close and minimise buttons; a maximise button only when asked for.
+    void setFrame(bool dialog, bool maximizeButton);
+    // The user's close only hides the window, which keeps its state for the next Show; quitting
+    // closes it.
+    void setHiddenOnClose(bool on) { hiddenOnClose = on; }
 
     MenuBar* menuBarModel() const { return menuBarModel_; }
     void setMenuBarModel(MenuBar* bar);
@@ -69,6 +74,7 @@ private:
     MenuBar* menuBarModel_ = nullptr;
     QHash<QString, std::function<bool()>> menuHandlers;
     bool opened = false;
+    bool hiddenOnClose = false;
 };
 
 // The one window of a class, made on first use; a hidden window is still that window.

@@ -4,6 +4,7 @@
 #include "Application.h"
 #include "BevelButton.h"
 #include "Canvas.h"
+#include "Controls.h"
 #include "Geometry.h"
 #include "HelpWindow.h"
 #include "Label.h"
@@ -27,21 +28,6 @@ using toolkit::TextArea;
 
 namespace {
 
-template <class T>
-T* make(QWidget* parent, int left, int top, int width, int height, const char* locks)
-{
-    auto* control = new T();
-    toolkit::place(control, parent, QRect(left, top, width, height), Locks::from(locks));
-    return control;
-}
-
-Rectangle* rectangle(QWidget* parent, QRect r, const char* locks, unsigned fill, unsigned border)
-{
-    auto* c = make<Rectangle>(parent, r.x(), r.y(), r.width(), r.height(), locks);
-    c->setColors(fill, border, border);
-    return c;
-}
-
 struct ButtonStyle
 {
     toolkit::FontStyle font;
@@ -50,10 +36,10 @@ struct ButtonStyle
     bool allowFocus = false;
 };
 
-BevelButton* button(
-    QWidget* parent, QRect r, const char* locks, const QString& caption, ButtonStyle style)
+BevelButton* button(const char* name, QWidget* parent, QRect r, const char* locks,
+    const QString& caption, ButtonStyle style)
 {
-    auto* b = make<BevelButton>(parent, r.x(), r.y(), r.width(), r.height(), locks);
+    auto* b = toolkit::make<BevelButton>(name, parent, r, locks);
     b->setCaption(caption);
     b->setFont(toolkit::systemFont(style.font));
     toolkit::setTextColor(b, rgb(style.textColor));
@@ -62,20 +48,9 @@ BevelButton* button(
     return b;
 }
 
-Label* label(QWidget* parent, QRect r, const char* locks, const QString& text,
-    toolkit::FontStyle font = {}, unsigned color = 0x000000)
+TextArea* pane(const char* name, QWidget* parent, QRect r, const char* locks, const QString& text)
 {
-    auto* l = make<Label>(parent, r.x(), r.y(), r.width(), r.height(), locks);
-    l->setText(text);
-    l->setFont(toolkit::systemFont(font));
-    l->setTextAlignment(2);
-    toolkit::setTextColor(l, rgb(color));
-    return l;
-}
-
-TextArea* pane(QWidget* parent, QRect r, const char* locks, const QString& text)
-{
-    auto* t = make<TextArea>(parent, r.x(), r.y(), r.width(), r.height(), locks);
+    auto* t = toolkit::make<TextArea>(name, parent, r, locks);
     t->setText(text);
     return t;
 }
@@ -112,52 +87,68 @@ void DiffWin::Layout()
 void DiffWin::CreateControls()
 {
     // In the order of creation, which is also the order from back to front.
-    WinBack = rectangle(surface(), {2, 2, 668, 496}, "LTRB", 0xE8E8E8, 0x000000);
-    txtBack[1] = rectangle(WinBack, {363, 10, 291, 450}, "LT-B", 0x000000, 0x000000);
-    txtBack[0] = rectangle(WinBack, {18, 10, 291, 450}, "LT-B", 0x000000, 0x000000);
+    WinBack = toolkit::makeRectangle(
+        "WinBack", surface(), {2, 2, 668, 496}, "LTRB", 0xE8E8E8, 0x000000);
+    txtBack[1] = toolkit::makeRectangle(
+        "txtBack1", WinBack, {363, 10, 291, 450}, "LT-B", 0x000000, 0x000000);
+    txtBack[0] = toolkit::makeRectangle(
+        "txtBack0", WinBack, {18, 10, 291, 450}, "LT-B", 0x000000, 0x000000);
     // The black frames show only while something is dragged over the window.
     txtBack[0]->setVisible(false);
     txtBack[1]->setVisible(false);
-    txtBox[0] = pane(WinBack, {20, 59, 287, 398}, "LT-B", globals::kOriginalSampleT());
-    txtBox[1] = pane(WinBack, {365, 59, 287, 398}, "LTRB", globals::kSubstituteSampleT());
-    BtnsBack = rectangle(WinBack, {272, 469, 128, 22}, "---B", 0xFFFFFF, 0x999999);
+    txtBox[0] = pane("txtBox0", WinBack, {20, 59, 287, 398}, "LT-B", globals::kOriginalSampleT());
+    txtBox[1]
+        = pane("txtBox1", WinBack, {365, 59, 287, 398}, "LTRB", globals::kSubstituteSampleT());
+    BtnsBack = toolkit::makeRectangle(
+        "BtnsBack", WinBack, {272, 469, 128, 22}, "---B", 0xFFFFFF, 0x999999);
     const ButtonStyle nav{{10}};
-    NextBtn = button(BtnsBack, {337, 471, 30, 18}, "---B", globals::kMoveNext(), nav);
-    PrevBtn = button(BtnsBack, {305, 471, 30, 18}, "---B", globals::kMovePrev(), nav);
-    TopBtn = button(BtnsBack, {274, 471, 30, 18}, "---B", globals::kMoveTop(), nav);
-    BtmBtn = button(BtnsBack, {368, 471, 30, 18}, "---B", globals::kMoveBtm(), nav);
+    const toolkit::LabelLook centred{{}, 2};
+    NextBtn = button("NextBtn", BtnsBack, {337, 471, 30, 18}, "---B", globals::kMoveNext(), nav);
+    PrevBtn = button("PrevBtn", BtnsBack, {305, 471, 30, 18}, "---B", globals::kMovePrev(), nav);
+    TopBtn = button("TopBtn", BtnsBack, {274, 471, 30, 18}, "---B", globals::kMoveTop(), nav);
+    BtmBtn = button("BtmBtn", BtnsBack, {368, 471, 30, 18}, "---B", globals::kMoveBtm(), nav);
     toolkit::setTooltip(NextBtn, globals::kMoveNextHTag());
     toolkit::setTooltip(PrevBtn, globals::kMovePrevHTag());
     toolkit::setTooltip(TopBtn, globals::kMoveTopHTag());
     toolkit::setTooltip(BtmBtn, globals::kMoveBtmHTag());
-    SameColSample = rectangle(WinBack, {20, 467, 70, 24}, "---B", 0x99CCFF, 0x000000);
-    SameLabel = label(SameColSample, {30, 469, 50, 16}, "---B", globals::kSameT());
-    DiffColSample = rectangle(WinBack, {580, 467, 70, 24}, "--RB", 0xFFCC00, 0x000000);
-    DiffLabel = label(DiffColSample, {585, 470, 60, 16}, "--RB", globals::kDifferentT());
+    SameColSample = toolkit::makeRectangle(
+        "SameColSample", WinBack, {20, 467, 70, 24}, "---B", 0x99CCFF, 0x000000);
+    SameLabel = toolkit::makeLabel(
+        "SameLabel", SameColSample, {30, 469, 50, 16}, "---B", globals::kSameT(), centred);
+    DiffColSample = toolkit::makeRectangle(
+        "DiffColSample", WinBack, {580, 467, 70, 24}, "--RB", 0xFFCC00, 0x000000);
+    DiffLabel = toolkit::makeLabel(
+        "DiffLabel", DiffColSample, {585, 470, 60, 16}, "--RB", globals::kDifferentT(), centred);
 
-    titleBack[1] = rectangle(WinBack, {365, 12, 287, 45}, "----", 0xFFFFFF, 0x999999);
-    titleBox[1] = button(
-        titleBack[1], {366, 13, 285, 22}, "----", globals::kBoxRight(), {{0, true}, 0x000000, 1});
-    TELabel[1] = label(titleBack[1], {366, 37, 100, 16}, "LT--", QStringLiteral("Text encoding:"));
-    TEBMenu[1] = button(titleBack[1], {466, 35, 185, 22}, "LTR-", QStringLiteral("Untitled"),
-        {{}, 0x000000, 1, true});
+    titleBack[1] = toolkit::makeRectangle(
+        "titleBack1", WinBack, {365, 12, 287, 45}, "----", 0xFFFFFF, 0x999999);
+    titleBox[1] = button("titleBox1", titleBack[1], {366, 13, 285, 22}, "----",
+        globals::kBoxRight(), {{0, true}, 0x000000, 1});
+    TELabel[1] = toolkit::makeLabel("TELabel1", titleBack[1], {366, 37, 100, 16}, "LT--",
+        QStringLiteral("Text encoding:"), centred);
+    TEBMenu[1] = button("TEBMenu1", titleBack[1], {466, 35, 185, 22}, "LTR-",
+        QStringLiteral("Untitled"), {{}, 0x000000, 1, true});
 
-    SameFilm = button(WinBack, {305, 467, 62, 26}, "---B", globals::kAllTheSameT(), {{}, 0x0000FF});
+    SameFilm = button(
+        "SameFilm", WinBack, {305, 467, 62, 26}, "---B", globals::kAllTheSameT(), {{}, 0x0000FF});
     SameFilm->setVisible(false);
-    ClearButton = button(
-        WinBack, {309, 13, 54, 22}, "LT--", globals::kClearAll(), {{11}, 0x000000, 0, true});
+    ClearButton = button("ClearButton", WinBack, {309, 13, 54, 22}, "LT--", globals::kClearAll(),
+        {{11}, 0x000000, 0, true});
 
-    diffCanvas = make<toolkit::Canvas>(WinBack, 309, 59, kCanvasWidth, 398, "LT-B");
+    diffCanvas = toolkit::make<toolkit::Canvas>(
+        "diffCanvas", WinBack, {309, 59, kCanvasWidth, 398}, "LT-B");
 
-    titleBack[0] = rectangle(WinBack, {20, 12, 287, 45}, "----", 0xFFFFFF, 0x999999);
-    titleBox[0] = button(
-        titleBack[0], {21, 13, 285, 22}, "----", globals::kBoxLeft(), {{0, true}, 0x000000, 1});
-    TELabel[0] = label(titleBack[0], {21, 37, 100, 16}, "LT--", QStringLiteral("Text encoding:"));
-    TEBMenu[0] = button(
-        titleBack[0], {121, 35, 185, 22}, "LTR-", QStringLiteral("Untitled"), {{}, 0x000000, 1});
+    titleBack[0] = toolkit::makeRectangle(
+        "titleBack0", WinBack, {20, 12, 287, 45}, "----", 0xFFFFFF, 0x999999);
+    titleBox[0] = button("titleBox0", titleBack[0], {21, 13, 285, 22}, "----", globals::kBoxLeft(),
+        {{0, true}, 0x000000, 1});
+    TELabel[0] = toolkit::makeLabel("TELabel0", titleBack[0], {21, 37, 100, 16}, "LT--",
+        QStringLiteral("Text encoding:"), centred);
+    TEBMenu[0] = button("TEBMenu0", titleBack[0], {121, 35, 185, 22}, "LTR-",
+        QStringLiteral("Untitled"), {{}, 0x000000, 1});
 
-    DiffTotal
-        = label(WinBack, {309, 35, 54, 22}, "LT--", QStringLiteral("0"), {14, true}, 0x803F02);
+    DiffTotal = toolkit::makeLabel("DiffTotal", WinBack, {309, 35, 54, 22}, "LT--",
+        QStringLiteral("0"), {{14, true}, 2, 0x803F02});
 
     // Tab order: the panes, the indicator, then the two controls that take the focus.
     setTabOrder(txtBox[0], txtBox[1]);
