@@ -7,7 +7,6 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
-#include <QPointer>
 
 #include <cstdio>
 #include <memory>
@@ -48,12 +47,7 @@ int main(int argc, char** argv)
     toolkit::implicitInstance<DiffWin>().Show();
     const int code = App::exec();
 
-    // Windows own pop-ups that are top-level widgets too: collect first, then delete.
-    QList<QPointer<QWidget>> windows;
-    for (QWidget* w : QApplication::topLevelWidgets())
-        if (qobject_cast<toolkit::Window*>(w))
-            windows << w;
-    qDeleteAll(windows);
+    toolkit::Application::deleteWindows();
     delete &MenuBar1::instance();
     return code;
 }

@@ -4,6 +4,7 @@
 
 #include <QDesktopServices>
 #include <QMessageBox>
+#include <QPointer>
 #include <QUrl>
 
 namespace toolkit {
@@ -23,6 +24,15 @@ void Application::Quit(int code)
         }
     }
     QCoreApplication::exit(code);
+}
+
+void Application::deleteWindows()
+{
+    QList<QPointer<QWidget>> windows;
+    for (QWidget* w : QApplication::topLevelWidgets())
+        if (qobject_cast<Window*>(w))
+            windows << w;
+    qDeleteAll(windows);
 }
 
 void Application::MsgBox(const QString& text)

@@ -28,6 +28,9 @@ public:
     static void Quit(int code);
     static bool quitting() { return quitting_; }
 
+    // Deletes every window; they own pop-ups that are top-level widgets too, so these go with them.
+    static void deleteWindows();
+
     static void MsgBox(const QString& text);
     // Hands a web or mail address to the desktop; a failure is not reported.
     static void ShowURL(const QString& address);

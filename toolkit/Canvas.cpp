@@ -1,5 +1,7 @@
 #include "Canvas.h"
 
+#include "Geometry.h"
+
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -65,10 +67,8 @@ void Canvas::mousePressEvent(QMouseEvent* e)
 void Canvas::wheelEvent(QWheelEvent* e)
 {
     const QPoint p = e->position().toPoint();
-    // One notch is 120 eighths of a degree and counts three lines.
-    if (onMouseWheel
-        && onMouseWheel(
-            p.x(), p.y(), -e->angleDelta().x() * 3 / 120, -e->angleDelta().y() * 3 / 120))
+    const QPoint lines = wheelLines(e);
+    if (onMouseWheel && onMouseWheel(p.x(), p.y(), lines.x(), lines.y()))
         e->accept();
     else
         e->ignore();

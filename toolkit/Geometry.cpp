@@ -1,6 +1,7 @@
 #include "Geometry.h"
 
 #include <QVariant>
+#include <QWheelEvent>
 #include <QWidget>
 
 namespace toolkit {
@@ -90,11 +91,25 @@ void setLeft(QWidget* w, int left)
     setWindowRect(w, r);
 }
 
+void setLeftAndWidth(QWidget* w, int left, int width)
+{
+    QRect r = windowRect(w);
+    r.moveLeft(left);
+    r.setWidth(width);
+    setWindowRect(w, r);
+}
+
 void setWidth(QWidget* w, int width)
 {
     QRect r = windowRect(w);
     r.setWidth(width);
     setWindowRect(w, r);
+}
+
+QPoint wheelLines(const QWheelEvent* e)
+{
+    const QPoint eighths = e->angleDelta();
+    return {-eighths.x() * 3 / 120, -eighths.y() * 3 / 120};
 }
 
 void applyLocks(QWidget* parent, QSize before)

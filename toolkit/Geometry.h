@@ -6,6 +6,7 @@
 #include <QRect>
 #include <QString>
 
+class QWheelEvent;
 class QWidget;
 
 namespace toolkit {
@@ -31,6 +32,11 @@ QRect windowRect(const QWidget* w);
 void setWindowRect(QWidget* w, QRect inWindow);
 void setLeft(QWidget* w, int left);
 void setWidth(QWidget* w, int width);
+void setLeftAndWidth(QWidget* w, int left, int width);
+
+// A wheel turn as lines: x and y, positive towards the end of the text. One notch is 120 eighths
+// of a degree and counts three lines.
+QPoint wheelLines(const QWheelEvent* e);
 
 // Lets the locked children of `parent` follow its change of size from `before`.
 void applyLocks(QWidget* parent, QSize before);

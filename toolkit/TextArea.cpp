@@ -1,5 +1,6 @@
 #include "TextArea.h"
 
+#include "Geometry.h"
 #include "Style.h"
 
 #include <QScrollBar>
@@ -87,10 +88,8 @@ void TextArea::wheelEvent(QWheelEvent* e)
 {
     if (onMouseWheel) {
         const QPoint p = e->position().toPoint();
-        // One notch of a wheel is 120 eighths of a degree, and scrolls three lines.
-        const int dx = -e->angleDelta().x() * 3 / 120;
-        const int dy = -e->angleDelta().y() * 3 / 120;
-        if (onMouseWheel(p.x(), p.y(), dx, dy)) {
+        const QPoint lines = wheelLines(e);
+        if (onMouseWheel(p.x(), p.y(), lines.x(), lines.y())) {
             e->accept();
             return;
         }

@@ -246,12 +246,9 @@ void DiffWin::adjustSize()
     toolkit::setLeft(diffCanvas, l.canvasLeft);
     toolkit::setLeft(ClearButton, l.canvasLeft);
     toolkit::setLeft(DiffTotal, l.canvasLeft);
-    toolkit::setWindowRect(
-        txtBack[1], {l.right, toolkit::windowRect(txtBack[1]).y(), l.half, txtBack[1]->height()});
-    toolkit::setWindowRect(txtBox[1],
-        {l.right + 2, toolkit::windowRect(txtBox[1]).y(), l.paneWidth, txtBox[1]->height()});
-    toolkit::setWindowRect(titleBack[1],
-        {l.right + 2, toolkit::windowRect(titleBack[1]).y(), l.paneWidth, titleBack[1]->height()});
+    toolkit::setLeftAndWidth(txtBack[1], l.right, l.half);
+    toolkit::setLeftAndWidth(txtBox[1], l.right + 2, l.paneWidth);
+    toolkit::setLeftAndWidth(titleBack[1], l.right + 2, l.paneWidth);
     toolkit::setWidth(titleBox[1], l.titleBoxWidth);
     toolkit::setLeft(BtnsBack, l.btnsBackLeft);
     toolkit::setLeft(SameFilm, l.sameFilmLeft);

@@ -125,11 +125,7 @@ int main(int, char**)
     App app(argc, argv);
     TstStartup test;
     const int result = QTest::qExec(&test);
-    QList<QPointer<QWidget>> windows;
-    for (QWidget* w : QApplication::topLevelWidgets())
-        if (qobject_cast<toolkit::Window*>(w))
-            windows << w;
-    qDeleteAll(windows);
+    toolkit::Application::deleteWindows();
     return result;
 }
 

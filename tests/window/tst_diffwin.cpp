@@ -60,11 +60,7 @@ private slots:
 
 void TstDiffWin::cleanup()
 {
-    QList<QPointer<QWidget>> windows;
-    for (QWidget* w : QApplication::topLevelWidgets())
-        if (qobject_cast<toolkit::Window*>(w))
-            windows << w;
-    qDeleteAll(windows);
+    toolkit::Application::deleteWindows();
 }
 
 void TstDiffWin::widthArithmetic_data()
