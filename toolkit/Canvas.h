@@ -30,6 +30,9 @@ public:
     explicit Canvas(QWidget* parent = nullptr);
 
     const Picture& Backdrop() const { return backdrop; }
+    // For drawing into the backdrop in place. What is drawn during the current event reaches
+    // the screen, as setBackdrop schedules a repaint.
+    Picture& Backdrop() { return backdrop; }
     void setBackdrop(Picture picture);
     // A new picture at this canvas's size and the screen's pixel ratio.
     Picture newPicture() const;

@@ -3,6 +3,7 @@
 #include <QPlainTextEdit>
 
 #include <functional>
+#include <vector>
 
 namespace toolkit {
 
@@ -21,18 +22,25 @@ public:
     // The pane's lines as it shows them: CR, LF, CR LF and U+2029 end a line, U+2028 does not.
     QStringList Lines() const;
     int LineCount() const;
+    // Grows with every change of the text, so that work on an unchanged text can be kept.
+    quint64 contentRevision() const { return revision; }
     int VerticalScrollPosition() const;
     // Stops at the first or the last line.
     void setVerticalScrollPosition(int line);
     // The position of the first character of a zero-based line, counted from 1. A line past the
     // end answers one past the last position of the text; a negative line answers line 0.
     int CharacterPosition(int line) const;
-    // The position at a pixel of the control, on the same scale.
+    // The position of the first character of the line drawn on pixel row y of the control, on
+    // the same scale; x is not needed, as a row belongs to one line. Rows below the text answer
+    // what a line past the end answers.
     int CharacterPosition(double x, double y) const;
     int LineHeight() const;
 
     int SelectionStart() const;
     int SelectionLength() const;
+    // Keeps the start.
+    void setSelectionLength(int length);
+    // Selects without scrolling, so that a selection out of view leaves the view where it is.
     void select(int start, int length);
 
     // A handler that returns true takes the wheel event; false lets the pane scroll as usual.
@@ -43,6 +51,19 @@ signals:
 
 protected:
     void wheelEvent(QWheelEvent* e) override;
+    void resizeEvent(QResizeEvent* e) override;
+    void changeEvent(QEvent* e) override;
+
+private:
+    std::vector<int> rowPositions(int first, int last) const;
+    const std::vector<int>& lineStarts() const;
+
+    quint64 revision = 0;
+    // Kept between calls: the indicator asks for thousands of positions on each redraw.
+    mutable std::vector<int> rows;
+    mutable std::vector<int> starts;
+    mutable bool rowsStale = true;
+    mutable bool startsStale = true;
 };
 
 } // namespace toolkit

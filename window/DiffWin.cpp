@@ -6,6 +6,7 @@
 #include "Canvas.h"
 #include "Controls.h"
 #include "Geometry.h"
+#include "Graphics.h"
 #include "HelpWindow.h"
 #include "Label.h"
 #include "LicenseWindow.h"
@@ -14,9 +15,11 @@
 #include "SeqDiff.h"
 #include "Style.h"
 #include "TextArea.h"
+#include "Timer.h"
 #include "WidthLayout.h"
 #include "globals.h"
 
+#include <algorithm>
 #include <string_view>
 
 using toolkit::BevelButton;
@@ -66,6 +69,28 @@ std::vector<std::u16string_view> views(const QStringList& lines)
 }
 
 constexpr int kCanvasWidth = 54;
+constexpr unsigned kSameColour = 0x99CCFF;
+constexpr unsigned kDiffColour = 0xFFCC00;
+constexpr unsigned kCurrentColour = 0xFFAA00;
+
+// A pane as the indicator asks it.
+class PaneLines final : public indicator::LinePane
+{
+public:
+    explicit PaneLines(const TextArea& pane)
+        : pane(pane)
+    {
+    }
+    int CharacterPosition(int line) const override { return pane.CharacterPosition(line); }
+    int CharacterPosition(double x, double y) const override
+    {
+        return pane.CharacterPosition(x, y);
+    }
+    int Height() const override { return pane.height(); }
+
+private:
+    const TextArea& pane;
+};
 
 } // namespace
 
@@ -74,6 +99,8 @@ DiffWin::DiffWin()
 {
     Layout();
     CreateControls();
+    CreateTimers();
+    ConnectHandlers();
     AddMenuHandlers();
 }
 
@@ -112,11 +139,11 @@ void DiffWin::CreateControls()
     toolkit::setTooltip(TopBtn, globals::kMoveTopHTag());
     toolkit::setTooltip(BtmBtn, globals::kMoveBtmHTag());
     SameColSample = toolkit::makeRectangle(
-        "SameColSample", WinBack, {20, 467, 70, 24}, "---B", 0x99CCFF, 0x000000);
+        "SameColSample", WinBack, {20, 467, 70, 24}, "---B", kSameColour, 0x000000);
     SameLabel = toolkit::makeLabel(
         "SameLabel", SameColSample, {30, 469, 50, 16}, "---B", globals::kSameT(), centred);
     DiffColSample = toolkit::makeRectangle(
-        "DiffColSample", WinBack, {580, 467, 70, 24}, "--RB", 0xFFCC00, 0x000000);
+        "DiffColSample", WinBack, {580, 467, 70, 24}, "--RB", kDiffColour, 0x000000);
     DiffLabel = toolkit::makeLabel(
         "DiffLabel", DiffColSample, {585, 470, 60, 16}, "--RB", globals::kDifferentT(), centred);
 
@@ -158,12 +185,262 @@ void DiffWin::CreateControls()
 
     for (int i = 0; i < 2; ++i)
         txtBox_Open(i);
+    diffCanvas_Open();
+}
+
+void DiffWin::CreateTimers()
+{
+    const auto timer = [this](int period, int mode) {
+        auto* t = new toolkit::Timer(this);
+        t->setPeriod(period);
+        t->setMode(mode);
+        return t;
+    };
+    Timer1 = timer(100, 2);
+    Timer2 = timer(500, 0);
+    Timer3 = timer(5000, 0);
+}
+
+void DiffWin::ConnectHandlers()
+{
+    for (int i = 0; i < 2; ++i) {
+        connect(txtBox[i], &TextArea::TextChange, this, [this, i] { txtBox_TextChange(i); });
+        txtBox[i]->onMouseWheel = [this, i](int x, int y, int deltaX, int deltaY) {
+            return txtBox_MouseWheel(i, x, y, deltaX, deltaY);
+        };
+    }
+    connect(diffCanvas, &toolkit::Canvas::MouseDown, this,
+        [this](int x, int y) { diffCanvas_MouseDown(x, y); });
+    diffCanvas->onMouseWheel = [this](int x, int y, int deltaX, int deltaY) {
+        return diffCanvas_MouseWheel(x, y, deltaX, deltaY);
+    };
+    connect(Timer1, &toolkit::Timer::Action, this, &DiffWin::Timer1_Action);
+    connect(Timer2, &toolkit::Timer::Action, this, &DiffWin::Timer2_Action);
+    connect(Timer3, &toolkit::Timer::Action, this, &DiffWin::Timer3_Action);
+    connect(NextBtn, &BevelButton::Action, this, &DiffWin::NextBtn_Action);
+    connect(PrevBtn, &BevelButton::Action, this, &DiffWin::PrevBtn_Action);
+    connect(TopBtn, &BevelButton::Action, this, &DiffWin::TopBtn_Action);
+    connect(BtmBtn, &BevelButton::Action, this, &DiffWin::BtmBtn_Action);
 }
 
 void DiffWin::txtBox_Open(int)
 {
     // The first difference becomes current at the first update.
     onlyFirst = true;
+}
+
+void DiffWin::diffCanvas_Open()
+{
+    clickedPoint = {0, 0};
+}
+
+// No comparison while the text is changing: the next comes after a pause.
+void DiffWin::txtBox_TextChange(int)
+{
+    Timer1->setMode(0);
+    Timer2->setMode(1);
+    dirty = true;
+}
+
+bool DiffWin::txtBox_MouseWheel(int, int, int, int, int)
+{
+    dirty = true;
+    return false;
+}
+
+void DiffWin::Timer2_Action()
+{
+    Timer1->setMode(2);
+}
+
+void DiffWin::Timer3_Action()
+{
+    globals::fCount = 0;
+}
+
+// The one loop of the window: everything that changed since the last tick reaches the screen.
+void DiffWin::Timer1_Action()
+{
+    bool redraw = false;
+    const std::array<int, 2> shown{
+        txtBox[0]->VerticalScrollPosition(), txtBox[1]->VerticalScrollPosition()};
+    if (shown != scrolTop || dirty) {
+        scrolTop = shown;
+        if (dirty) {
+            dirty = false;
+            compare();
+        }
+        redraw = true;
+    }
+    if (onlyFirst) {
+        onlyFirst = false;
+        curDiffNum = 0;
+        if (!topsA.empty())
+            curLine = int(topsA[0]);
+        redraw = true;
+    }
+    if (redraw || curDiffNum != curDiffNum0) {
+        updateFilm();
+        curDiffNum0 = curDiffNum;
+    }
+}
+
+void DiffWin::updateFilm()
+{
+    SameFilm->setVisible(!updateDiffCanvas());
+}
+
+bool DiffWin::updateDiffCanvas()
+{
+    diffCanvas->setBackdrop(diffCanvas->newPicture());
+    toolkit::Graphics g(diffCanvas->Backdrop());
+    g.setForeColor(kSameColour);
+    g.FillRect(0, 0, g.Width(), g.Height());
+    const PaneLines left(*txtBox[0]);
+    const PaneLines right(*txtBox[1]);
+    bool drawn = false;
+    int diffIndex = 0;
+    for (const SeqDiff::Difference& d : diffs) {
+        const indicator::Band band = indicator::bandOf(d, left, right);
+        if (!band.inverted()) {
+            if (canvasClicked)
+                clickBand(band, diffIndex);
+            unsigned colour = kDiffColour;
+            if (curLine != -1 && curLine == d.DeletedStart()) {
+                colour = kCurrentColour;
+                const indicator::Side& a = band.side[0];
+                const indicator::Side& b = band.side[1];
+                selectDiffLines(a.start, a.end, b.start, b.end, a.empty(), b.empty());
+            }
+            g.setForeColor(colour);
+            g.FillPolygon(indicator::fillPolygon(band, int(g.Width())));
+            g.setDrawingColor(0x000000);
+            g.setFontName(QStringLiteral("System"));
+            g.setFontSize(14);
+            const indicator::NumberPlace place
+                = indicator::numberPlace(diffIndex, band, g.Height());
+            if (place.shown)
+                g.DrawText(QString::number(diffIndex + 1), place.x, place.y);
+            drawn = true;
+        }
+        ++diffIndex;
+    }
+    canvasClicked = false;
+    if (!drawn) {
+        txtBox[0]->setSelectionLength(0);
+        txtBox[1]->setSelectionLength(0);
+    }
+    DiffTotal->setText(QString::number(diffs.size()));
+    return drawn;
+}
+
+// From the start of the first line to the start of the line after the last; a side without
+// lines gets a caret where they are missing.
+void DiffWin::selectDiffLines(int aStart, int aEnd, int bStart, int bEnd, bool aEmpty, bool bEmpty)
+{
+    const std::array<int, 2> start{aStart, bStart};
+    const std::array<int, 2> end{aEnd, bEnd};
+    const std::array<bool, 2> empty{aEmpty, bEmpty};
+    for (int i = 0; i < 2; ++i) {
+        const int s = txtBox[i]->CharacterPosition(start[i]) - 1;
+        const int e = txtBox[i]->CharacterPosition(end[i] + 1) - 1;
+        txtBox[i]->select(s, empty[i] ? 0 : e - s);
+    }
+    diffCanvas->setFocus();
+}
+
+bool DiffWin::diffCanvas_MouseDown(int x, int y)
+{
+    canvasClicked = true;
+    clickedPoint.X = x;
+    clickedPoint.Y = y;
+    updateDiffCanvas();
+    return false;
+}
+
+// A band hit by the pending click becomes current and is brought into view in both panes.
+void DiffWin::clickBand(const indicator::Band& band, int diffIndex)
+{
+    std::array<int, 2> firstShown{};
+    std::array<int, 2> lastShown{};
+    for (int i = 0; i < 2; ++i) {
+        firstShown[i] = txtBox[i]->VerticalScrollPosition();
+        lastShown[i] = firstShown[i] + txtBox[i]->height();
+    }
+    if (!indicator::isClickCandidate(band, firstShown, lastShown))
+        return;
+    const std::array<indicator::Point, 4> polygon
+        = indicator::hitPolygon(band, diffCanvas->width());
+    if (!indicator::pointInPolygon(clickedPoint, polygon))
+        return;
+    const int offset = indicator::centringOffset(diffCanvas->height());
+    const std::array<int, 2> line{int(topsA[diffIndex]), int(topsB[diffIndex])};
+    for (int i = 0; i < 2; ++i) {
+        const int now = txtBox[i]->VerticalScrollPosition();
+        const int to = indicator::scrollToShow(line[i], now, offset);
+        if (to != now)
+            txtBox[i]->setVerticalScrollPosition(to);
+    }
+    curDiffNum = diffIndex;
+    curLine = line[0];
+    dirty = true;
+}
+
+bool DiffWin::diffCanvas_MouseWheel(int, int, int, int deltaY)
+{
+    if (deltaY == 0)
+        return true;
+    for (TextArea* pane : txtBox)
+        pane->setVerticalScrollPosition(pane->VerticalScrollPosition() + deltaY);
+    dirty = true;
+    return false;
+}
+
+void DiffWin::NextBtn_Action()
+{
+    goToDifference(curDiffNum + 1);
+}
+
+void DiffWin::PrevBtn_Action()
+{
+    goToDifference(std::max(curDiffNum - 1, 0));
+}
+
+// Both panes show difference n a little below their top. Beyond the list's end the last one
+// serves; with no differences a press does nothing.
+void DiffWin::goToDifference(int n)
+{
+    if (topsA.empty())
+        return;
+    n = std::min(n, int(topsA.size()) - 1);
+    const int offset = indicator::centringOffset(txtBox[0]->height());
+    txtBox[0]->setVerticalScrollPosition(int(topsA[n]) - offset);
+    txtBox[1]->setVerticalScrollPosition(int(topsB[n]) - offset);
+    curDiffNum = n;
+    curLine = int(topsA[n]);
+    dirty = true;
+}
+
+// The start of the texts, with the first difference current.
+void DiffWin::TopBtn_Action()
+{
+    txtBox[0]->setVerticalScrollPosition(0);
+    txtBox[1]->setVerticalScrollPosition(0);
+    curDiffNum = 0;
+    if (!topsA.empty())
+        curLine = int(topsA[0]);
+    dirty = true;
+}
+
+// Each pane to its own last line, with the last difference current.
+void DiffWin::BtmBtn_Action()
+{
+    txtBox[0]->setVerticalScrollPosition(txtBox[0]->LineCount() - 1);
+    txtBox[1]->setVerticalScrollPosition(txtBox[1]->LineCount() - 1);
+    curDiffNum = int(topsA.size()) - 1;
+    if (curDiffNum >= 0)
+        curLine = int(topsA[curDiffNum]);
+    dirty = true;
 }
 
 void DiffWin::AddMenuHandlers()
@@ -204,6 +481,7 @@ void DiffWin::Event_Open()
     textClone[0] = txtBox[0]->Text();
     textClone[1] = txtBox[1]->Text();
     compare();
+    updateFilm();
 }
 
 void DiffWin::Event_Close()
@@ -216,12 +494,23 @@ void DiffWin::Event_Resized()
     adjustSize();
 }
 
+void DiffWin::Event_Deactivate()
+{
+    // Documents opened after the user has been elsewhere start a new batch.
+    globals::fCount = 0;
+}
+
 void DiffWin::compare()
 {
-    const QStringList a = txtBox[0]->Lines();
-    const QStringList b = txtBox[1]->Lines();
-    diffs = SeqDiff::FindDifferences(views(a), views(b));
-    initTops();
+    const std::array<quint64, 2> revisions{
+        txtBox[0]->contentRevision(), txtBox[1]->contentRevision()};
+    if (revisions != comparedRevisions) {
+        const QStringList a = txtBox[0]->Lines();
+        const QStringList b = txtBox[1]->Lines();
+        diffs = SeqDiff::FindDifferences(views(a), views(b));
+        initTops();
+        comparedRevisions = revisions;
+    }
     scrolTop = {0, 0};
 }
 
@@ -253,4 +542,5 @@ void DiffWin::adjustSize()
     toolkit::setLeft(BtnsBack, l.btnsBackLeft);
     toolkit::setLeft(SameFilm, l.sameFilmLeft);
     compare();
+    updateFilm();
 }

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "Difference.h"
+#include "HitTest.h"
 #include "Window.h"
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 namespace toolkit {
@@ -13,6 +15,7 @@ class Canvas;
 class Label;
 class Rectangle;
 class TextArea;
+class Timer;
 } // namespace toolkit
 
 // The comparison window: two panes, the indicator between them, and all comparison state.
@@ -22,11 +25,16 @@ class DiffWin : public toolkit::Window
 public:
     DiffWin();
 
-    // Compares the panes as they stand now and keeps the result.
+    // Compares the panes as they stand now and keeps the result. A pair of texts that has not
+    // changed since the last comparison is not compared again: the result would be the same.
     void compare();
     void initTops();
-    // Lays the panes and the indicator out for the window's width, then compares.
+    // Lays the panes and the indicator out for the window's width, then compares and redraws.
     void adjustSize();
+    // Paints the indicator anew, answers a pending click and selects the current difference's
+    // lines. True when at least one band was drawn.
+    bool updateDiffCanvas();
+    void selectDiffLines(int aStart, int aEnd, int bStart, int bEnd, bool aEmpty, bool bEmpty);
 
     std::vector<SeqDiff::Difference> diffs;
     std::vector<std::int64_t> topsA, topsB;
@@ -37,6 +45,8 @@ public:
     bool onlyFirst = false;
     int curDiffNum = -1;
     int curDiffNum0 = -1;
+    indicator::Point clickedPoint;
+    bool canvasClicked = false;
     std::array<QString, 2> textClone;
 
     toolkit::Rectangle* WinBack = nullptr;
@@ -59,20 +69,46 @@ public:
     toolkit::BevelButton* ClearButton = nullptr;
     toolkit::Canvas* diffCanvas = nullptr;
     toolkit::Label* DiffTotal = nullptr;
+    toolkit::Timer* Timer1 = nullptr;
+    toolkit::Timer* Timer2 = nullptr;
+    toolkit::Timer* Timer3 = nullptr;
 
 protected:
     void Event_Open() override;
     void Event_Close() override;
     void Event_Resized() override;
+    void Event_Deactivate() override;
 
 private:
     void Layout();
     void CreateControls();
     void AddMenuHandlers();
+    void CreateTimers();
+    void ConnectHandlers();
     void txtBox_Open(int index);
+    void txtBox_TextChange(int index);
+    bool txtBox_MouseWheel(int index, int x, int y, int deltaX, int deltaY);
+    void diffCanvas_Open();
+    bool diffCanvas_MouseDown(int x, int y);
+    bool diffCanvas_MouseWheel(int x, int y, int deltaX, int deltaY);
+    void Timer1_Action();
+    void Timer2_Action();
+    void Timer3_Action();
+    void NextBtn_Action();
+    void PrevBtn_Action();
+    void TopBtn_Action();
+    void BtmBtn_Action();
+
+    // Runs the pass and shows "All same!" when it drew no band.
+    void updateFilm();
+    void clickBand(const indicator::Band& band, int diffIndex);
+    void goToDifference(int n);
 
     bool _HelpLicense_Action();
     bool _HelpAbout_Action();
     bool _HelpHelp_Action();
     bool _FileClose_Action();
+
+    // The panes' revisions at the last comparison.
+    std::optional<std::array<quint64, 2>> comparedRevisions;
 };
