@@ -12,16 +12,16 @@ Graphics::Graphics(Picture& picture)
     , height(picture.Height())
 {
     painter.setPen(Qt::NoPen);
+    painter.setBrush(rgb(colour));
     painter.setRenderHint(QPainter::Antialiasing, false);
 }
 
 void Graphics::setForeColor(unsigned value)
 {
-    const QColor c = rgb(value);
-    painter.setBrush(c);
-    painter.setPen(Qt::NoPen);
-    // Text is drawn with the pen; shapes only fill.
-    textColour = c;
+    if (value == colour)
+        return;
+    colour = value;
+    painter.setBrush(rgb(value));
 }
 
 void Graphics::setFontName(const QString& name)
@@ -44,8 +44,15 @@ void Graphics::FillRect(double x, double y, double w, double h)
 void Graphics::FillPolygon(std::span<const int> points)
 {
     QPolygon polygon;
-    for (size_t i = 1; i + 1 < points.size(); i += 2)
+    polygon.reserve(int(points.size() / 2));
+    bool flat = true;
+    for (size_t i = 1; i + 1 < points.size(); i += 2) {
         polygon.append(QPoint(points[i], points[i + 1]));
+        flat = flat && points[i + 1] == points[2];
+    }
+    // A polygon on one row covers no pixel: bands out of view, thousands of them in a long text.
+    if (flat)
+        return;
     painter.drawPolygon(polygon, Qt::OddEvenFill);
 }
 
@@ -58,7 +65,8 @@ void Graphics::DrawText(const QString& text, double x, double y)
         painter.setFont(f);
         fontChanged = false;
     }
-    painter.setPen(textColour);
+    // Text is drawn with the pen; shapes only fill.
+    painter.setPen(rgb(colour));
     painter.drawText(QPointF(x, y), text);
     painter.setPen(Qt::NoPen);
 }

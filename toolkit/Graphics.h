@@ -38,7 +38,7 @@ private:
     QString fontName = QStringLiteral("System");
     double fontSize = 0;
     bool fontChanged = true;
-    QColor textColour;
+    unsigned colour = 0x000000;
 };
 
 } // namespace toolkit

@@ -9,7 +9,6 @@
 #include <QWheelEvent>
 
 #include <algorithm>
-#include <cmath>
 
 namespace toolkit {
 
@@ -34,10 +33,46 @@ TextArea::TextArea(QWidget* parent)
 QStringList TextArea::Lines() const
 {
     QStringList lines;
-    lines.reserve(document()->blockCount());
-    for (QTextBlock b = document()->begin(); b.isValid(); b = b.next())
-        lines.append(b.text());
+    for (std::u16string_view line : lineTexts().lines)
+        lines.append(QString(reinterpret_cast<const QChar*>(line.data()), qsizetype(line.size())));
     return lines;
+}
+
+// One copy of the whole text, cut where the document's blocks end; a text with characters that
+// look like block ends but are none is taken block by block.
+TextLines TextArea::lineTexts() const
+{
+    const QTextDocument* doc = document();
+    TextLines t;
+    t.text = doc->toRawText();
+    const auto* data = reinterpret_cast<const char16_t*>(t.text.utf16());
+    const size_t size = size_t(t.text.size());
+    t.lines.reserve(size_t(doc->blockCount()));
+    size_t start = 0;
+    for (size_t i = 0; i < size; ++i) {
+        const char16_t c = data[i];
+        // Paragraph separator, and the characters that begin and end a frame.
+        if (c == QChar::ParagraphSeparator || c == 0xFDD0 || c == 0xFDD1) {
+            t.lines.emplace_back(data + start, i - start);
+            start = i + 1;
+        }
+    }
+    t.lines.emplace_back(data + start, size - start);
+    if (t.lines.size() == size_t(doc->blockCount()))
+        return t;
+
+    std::vector<std::pair<size_t, size_t>> spans;
+    t.text.clear();
+    for (QTextBlock b = doc->begin(); b.isValid(); b = b.next()) {
+        const QString line = b.text();
+        spans.emplace_back(size_t(t.text.size()), size_t(line.size()));
+        t.text += line;
+    }
+    data = reinterpret_cast<const char16_t*>(t.text.utf16());
+    t.lines.clear();
+    for (const auto& [at, length] : spans)
+        t.lines.emplace_back(data + at, length);
+    return t;
 }
 
 int TextArea::LineCount() const
@@ -107,16 +142,15 @@ std::vector<int> TextArea::rowPositions(int first, int last) const
     return out;
 }
 
-int TextArea::CharacterPosition(double, double y) const
+int TextArea::positionAtRow(int row) const
 {
-    const int row = static_cast<int>(std::floor(y));
     if (row < 0 || row > height())
         return rowPositions(row, row).front();
-    if (rowsStale || int(rows.size()) != height() + 1) {
+    if (rowsStale) {
         rows = rowPositions(0, height());
         rowsStale = false;
     }
-    return rows[row];
+    return rows[static_cast<size_t>(row)];
 }
 
 int TextArea::LineHeight() const

@@ -2,10 +2,19 @@
 
 #include <QPlainTextEdit>
 
+#include <cmath>
 #include <functional>
+#include <string_view>
 #include <vector>
 
 namespace toolkit {
+
+// A pane's text and a view of each of its lines, valid while this object lives.
+struct TextLines
+{
+    QString text;
+    std::vector<std::u16string_view> lines;
+};
 
 // An editable pane without line wrap, so that a pane's lines are its text's lines.
 // Scroll positions count lines; character positions are one above the selection's scale.
@@ -21,6 +30,8 @@ public:
 
     // The pane's lines as it shows them: CR, LF, CR LF and U+2029 end a line, U+2028 does not.
     QStringList Lines() const;
+    // The same lines without a copy of each, for comparing long texts.
+    TextLines lineTexts() const;
     int LineCount() const;
     // Grows with every change of the text, so that work on an unchanged text can be kept.
     quint64 contentRevision() const { return revision; }
@@ -33,7 +44,14 @@ public:
     // The position of the first character of the line drawn on pixel row y of the control, on
     // the same scale; x is not needed, as a row belongs to one line. Rows below the text answer
     // what a line past the end answers.
-    int CharacterPosition(double x, double y) const;
+    int CharacterPosition(double /*x*/, double y) const
+    {
+        // Inline: the indicator asks this hundreds of thousands of times on one redraw.
+        const auto row = static_cast<int>(std::floor(y));
+        if (!rowsStale && row >= 0 && row < static_cast<int>(rows.size()))
+            return rows[static_cast<size_t>(row)];
+        return positionAtRow(row);
+    }
     int LineHeight() const;
 
     int SelectionStart() const;
@@ -56,6 +74,7 @@ protected:
 
 private:
     std::vector<int> rowPositions(int first, int last) const;
+    int positionAtRow(int row) const;
     const std::vector<int>& lineStarts() const;
 
     quint64 revision = 0;

@@ -58,16 +58,6 @@ TextArea* pane(const char* name, QWidget* parent, QRect r, const char* locks, co
     return t;
 }
 
-std::vector<std::u16string_view> views(const QStringList& lines)
-{
-    std::vector<std::u16string_view> v;
-    v.reserve(lines.size());
-    for (const QString& line : lines)
-        v.emplace_back(
-            reinterpret_cast<const char16_t*>(line.utf16()), static_cast<size_t>(line.size()));
-    return v;
-}
-
 constexpr int kCanvasWidth = 54;
 constexpr unsigned kSameColour = 0x99CCFF;
 constexpr unsigned kDiffColour = 0xFFCC00;
@@ -505,9 +495,9 @@ void DiffWin::compare()
     const std::array<quint64, 2> revisions{
         txtBox[0]->contentRevision(), txtBox[1]->contentRevision()};
     if (revisions != comparedRevisions) {
-        const QStringList a = txtBox[0]->Lines();
-        const QStringList b = txtBox[1]->Lines();
-        diffs = SeqDiff::FindDifferences(views(a), views(b));
+        const toolkit::TextLines a = txtBox[0]->lineTexts();
+        const toolkit::TextLines b = txtBox[1]->lineTexts();
+        diffs = SeqDiff::FindDifferences(a.lines, b.lines);
         initTops();
         comparedRevisions = revisions;
     }
