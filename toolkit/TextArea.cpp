@@ -25,9 +25,8 @@ TextArea::TextArea(QWidget* parent)
     });
     connect(verticalScrollBar(), &QScrollBar::valueChanged, this, [this] { rowsStale = true; });
     QAbstractTextDocumentLayout* layout = document()->documentLayout();
+    // Any new layout: a font, a margin, a line laid out anew.
     connect(layout, &QAbstractTextDocumentLayout::update, this, [this] { rowsStale = true; });
-    connect(layout, &QAbstractTextDocumentLayout::documentSizeChanged, this,
-        [this] { rowsStale = true; });
 }
 
 QStringList TextArea::Lines() const
@@ -38,8 +37,8 @@ QStringList TextArea::Lines() const
     return lines;
 }
 
-// One copy of the whole text, cut where the document's blocks end; a text with characters that
-// look like block ends but are none is taken block by block.
+// One copy of the whole text, cut where the document's blocks end. The document turns frame marks
+// that come with a text into paragraph separators, so the marks in its raw text are its own.
 TextLines TextArea::lineTexts() const
 {
     const QTextDocument* doc = document();
@@ -58,20 +57,6 @@ TextLines TextArea::lineTexts() const
         }
     }
     t.lines.emplace_back(data + start, size - start);
-    if (t.lines.size() == size_t(doc->blockCount()))
-        return t;
-
-    std::vector<std::pair<size_t, size_t>> spans;
-    t.text.clear();
-    for (QTextBlock b = doc->begin(); b.isValid(); b = b.next()) {
-        const QString line = b.text();
-        spans.emplace_back(size_t(t.text.size()), size_t(line.size()));
-        t.text += line;
-    }
-    data = reinterpret_cast<const char16_t*>(t.text.utf16());
-    t.lines.clear();
-    for (const auto& [at, length] : spans)
-        t.lines.emplace_back(data + at, length);
     return t;
 }
 
@@ -146,7 +131,7 @@ int TextArea::positionAtRow(int row) const
 {
     if (row < 0 || row > height())
         return rowPositions(row, row).front();
-    if (rowsStale) {
+    if (rowsStale || int(rows.size()) != height() + 1) {
         rows = rowPositions(0, height());
         rowsStale = false;
     }
@@ -187,19 +172,6 @@ void TextArea::select(int start, int length)
     setTextCursor(c);
     v->setValue(line);
     h->setValue(column);
-}
-
-void TextArea::resizeEvent(QResizeEvent* e)
-{
-    rowsStale = true;
-    QPlainTextEdit::resizeEvent(e);
-}
-
-void TextArea::changeEvent(QEvent* e)
-{
-    if (e->type() == QEvent::FontChange || e->type() == QEvent::StyleChange)
-        rowsStale = true;
-    QPlainTextEdit::changeEvent(e);
 }
 
 void TextArea::wheelEvent(QWheelEvent* e)

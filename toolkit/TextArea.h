@@ -69,8 +69,6 @@ signals:
 
 protected:
     void wheelEvent(QWheelEvent* e) override;
-    void resizeEvent(QResizeEvent* e) override;
-    void changeEvent(QEvent* e) override;
 
 private:
     std::vector<int> rowPositions(int first, int last) const;

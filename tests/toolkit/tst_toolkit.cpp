@@ -1,5 +1,6 @@
 #include "BevelButton.h"
 #include "Geometry.h"
+#include "Graphics.h"
 #include "MenuBar.h"
 #include "TextArea.h"
 #include "Timer.h"
@@ -24,6 +25,11 @@ private slots:
     void paneLinesAreTheTextsLines();
     void scrollPositionCountsLinesAndStops();
     void characterPositionsShareOneScale();
+    void characterPositionsFollowThePane_data();
+    void characterPositionsFollowThePane();
+    void selectingKeepsTheView();
+    void graphicsColoursAreExact_data();
+    void graphicsColoursAreExact();
     void timerModes();
     void shortcutLiterals_data();
     void shortcutLiterals();
@@ -125,6 +131,8 @@ void TstToolkit::paneLinesAreTheTextsLines_data()
     QTest::newRow("empty text is one empty line") << "" << QStringList{""};
     QTest::newRow("non-breaking space kept")
         << QString::fromUtf16(u"a\u00A0b") << QStringList{QString::fromUtf16(u"a\u00A0b")};
+    QTest::newRow("frame marks end lines")
+        << QString::fromUtf16(u"a\uFDD0b\rc\uFDD1") << QStringList{"a", "b", "c", ""};
 }
 
 void TstToolkit::paneLinesAreTheTextsLines()
@@ -137,6 +145,7 @@ void TstToolkit::paneLinesAreTheTextsLines()
     QVERIFY(change.count() >= 1);
     QCOMPARE(pane.Lines(), lines);
     QCOMPARE(pane.LineCount(), lines.size());
+    QCOMPARE(pane.lineTexts().lines.size(), size_t(pane.document()->blockCount()));
 }
 
 void TstToolkit::scrollPositionCountsLinesAndStops()
@@ -191,6 +200,125 @@ void TstToolkit::characterPositionsShareOneScale()
         QCOMPARE(at, pane.CharacterPosition(block.blockNumber()));
     }
     QCOMPARE(pane.CharacterPosition(99), pane.document()->characterCount() + 1);
+}
+
+// Positions are kept between calls; whatever moves the text must be seen at once. The reference
+// is Qt's own hit test, taken at the same moment.
+void TstToolkit::characterPositionsFollowThePane_data()
+{
+    QTest::addColumn<QString>("change");
+    for (const char* change :
+        {"none", "scrolled", "edited above the view", "resized", "bigger font", "sideways"})
+        QTest::newRow(change) << QString::fromLatin1(change);
+}
+
+void TstToolkit::characterPositionsFollowThePane()
+{
+    QFETCH(QString, change);
+    toolkit::TextArea pane;
+    pane.resize(240, 200);
+    QStringList lines;
+    for (int i = 0; i < 80; ++i)
+        lines << QStringLiteral("line %1 ").arg(i).repeated(i % 7 + 1);
+    pane.setText(lines.join(u'\n'));
+    pane.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&pane));
+    pane.setVerticalScrollPosition(10);
+    QVERIFY(pane.CharacterPosition(4.0, 50.0) > 1);
+
+    if (change == QLatin1String("scrolled"))
+        pane.setVerticalScrollPosition(13);
+    else if (change == QLatin1String("edited above the view"))
+        QTextCursor(pane.document()).insertText(QStringLiteral("longer first line "));
+    else if (change == QLatin1String("resized"))
+        pane.resize(240, 150);
+    else if (change == QLatin1String("bigger font"))
+        pane.setFont(QFont(pane.font().family(), 2 * pane.font().pointSize()));
+    else if (change == QLatin1String("sideways"))
+        pane.horizontalScrollBar()->setValue(pane.horizontalScrollBar()->maximum());
+
+    int previous = 0;
+    for (int y = 0; y < pane.viewport()->geometry().bottom(); ++y) {
+        const QTextBlock block
+            = pane.cursorForPosition(pane.viewport()->mapFrom(&pane, QPoint(4, y))).block();
+        const int at = pane.CharacterPosition(4.0, double(y));
+        QVERIFY2(at >= previous, qPrintable(QStringLiteral("row %1").arg(y)));
+        QCOMPARE(at, pane.CharacterPosition(block.blockNumber()));
+        previous = at;
+    }
+
+    // Below the text, rows answer what a line past the end answers.
+    pane.setText(QStringLiteral("one\ntwo"));
+    const int pastEnd = pane.document()->characterCount() + 1;
+    QCOMPARE(pane.CharacterPosition(2), pastEnd);
+    QCOMPARE(pane.CharacterPosition(4.0, double(pane.height() - 10)), pastEnd);
+}
+
+void TstToolkit::selectingKeepsTheView()
+{
+    toolkit::TextArea pane;
+    pane.resize(200, 150);
+    QStringList lines;
+    for (int i = 0; i < 500; ++i)
+        lines << QStringLiteral("line %1").arg(i);
+    pane.setText(lines.join(u'\r'));
+    pane.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&pane));
+    pane.setVerticalScrollPosition(200);
+    const quint64 revision = pane.contentRevision();
+
+    const int start = pane.CharacterPosition(5) - 1;
+    pane.select(start, 14);
+    QCoreApplication::processEvents();
+    QCOMPARE(pane.VerticalScrollPosition(), 200);
+    QCOMPARE(pane.SelectionStart(), start);
+    QCOMPARE(pane.SelectionLength(), 14);
+    pane.setSelectionLength(0);
+    QCOMPARE(pane.SelectionStart(), start);
+    QCOMPARE(pane.SelectionLength(), 0);
+    QCOMPARE(pane.contentRevision(), revision);
+
+    QTest::keyClick(&pane, Qt::Key_X);
+    QVERIFY(pane.contentRevision() > revision);
+}
+
+void TstToolkit::graphicsColoursAreExact_data()
+{
+    QTest::addColumn<qreal>("ratio");
+    QTest::newRow("1") << 1.0;
+    QTest::newRow("1.5") << 1.5;
+    QTest::newRow("2") << 2.0;
+}
+
+void TstToolkit::graphicsColoursAreExact()
+{
+    QFETCH(qreal, ratio);
+    toolkit::Picture picture(54, 100, ratio);
+    QCOMPARE(picture.image.width(), qRound(54 * ratio));
+    {
+        toolkit::Graphics g(picture);
+        QCOMPARE(g.Width(), 54.0);
+        g.setForeColor(0x99CCFF);
+        g.FillRect(0, 0, g.Width(), g.Height());
+        g.setForeColor(0xFFCC00);
+        const int band[] = {0, 0, 20, 0, 40, 54, 60, 54, 40};
+        g.FillPolygon(band);
+        g.setDrawingColor(0x000000);
+        g.setFontSize(14);
+        g.DrawText(QStringLiteral("8"), 22, 95);
+    }
+    const auto at = [&](int x, int y) {
+        return picture.image.pixelColor(int(x * ratio), int(y * ratio)).rgb() & 0xFFFFFF;
+    };
+    QCOMPARE(at(27, 40), 0xFFCC00u);
+    QCOMPARE(at(2, 22), 0xFFCC00u);
+    QCOMPARE(at(27, 10), 0x99CCFFu);
+    QCOMPARE(at(27, 65), 0x99CCFFu);
+    int dark = 0;
+    for (int y = 80; y < 96; ++y)
+        for (int x = 22; x < 34; ++x)
+            dark += qGray(at(x, y)) < 64;
+    QVERIFY(dark > 0);
 }
 
 void TstToolkit::timerModes()
