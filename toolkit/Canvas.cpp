@@ -67,7 +67,7 @@ void Canvas::mousePressEvent(QMouseEvent* e)
 void Canvas::wheelEvent(QWheelEvent* e)
 {
     const QPoint p = e->position().toPoint();
-    const QPoint lines = wheelLines(e);
+    const QPoint lines = wheel.take(e);
     if (onMouseWheel && onMouseWheel(p.x(), p.y(), lines.x(), lines.y()))
         e->accept();
     else

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Geometry.h"
+
 #include <QImage>
 #include <QWidget>
 
@@ -53,6 +55,7 @@ protected:
 
 private:
     Picture backdrop;
+    WheelLines wheel;
 };
 
 } // namespace toolkit

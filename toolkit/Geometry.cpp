@@ -106,10 +106,13 @@ void setWidth(QWidget* w, int width)
     setWindowRect(w, r);
 }
 
-QPoint wheelLines(const QWheelEvent* e)
+QPoint WheelLines::take(const QWheelEvent* e)
 {
-    const QPoint eighths = e->angleDelta();
-    return {-eighths.x() * 3 / 120, -eighths.y() * 3 / 120};
+    constexpr int eighthsPerLine = 120 / 3;
+    rest += e->angleDelta();
+    const QPoint lines(-rest.x() / eighthsPerLine, -rest.y() / eighthsPerLine);
+    rest += lines * eighthsPerLine;
+    return lines;
 }
 
 void applyLocks(QWidget* parent, QSize before)

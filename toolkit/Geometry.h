@@ -34,9 +34,17 @@ void setLeft(QWidget* w, int left);
 void setWidth(QWidget* w, int width);
 void setLeftAndWidth(QWidget* w, int left, int width);
 
-// A wheel turn as lines: x and y, positive towards the end of the text. One notch is 120 eighths
-// of a degree and counts three lines.
-QPoint wheelLines(const QWheelEvent* e);
+// Wheel turns as lines: x and y, positive towards the end of the text. One notch is 120 eighths
+// of a degree and counts three lines; touchpads send a notch in small steps, so what is left over
+// is carried to the next event.
+class WheelLines
+{
+public:
+    QPoint take(const QWheelEvent* e);
+
+private:
+    QPoint rest;
+};
 
 // Lets the locked children of `parent` follow its change of size from `before`.
 void applyLocks(QWidget* parent, QSize before);

@@ -178,7 +178,7 @@ void TextArea::wheelEvent(QWheelEvent* e)
 {
     if (onMouseWheel) {
         const QPoint p = e->position().toPoint();
-        const QPoint lines = wheelLines(e);
+        const QPoint lines = wheel.take(e);
         if (onMouseWheel(p.x(), p.y(), lines.x(), lines.y())) {
             e->accept();
             return;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Geometry.h"
+
 #include <QPlainTextEdit>
 
 #include <cmath>
@@ -81,6 +83,7 @@ private:
     mutable std::vector<int> starts;
     mutable bool rowsStale = true;
     mutable bool startsStale = true;
+    WheelLines wheel;
 };
 
 } // namespace toolkit
