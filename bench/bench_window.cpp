@@ -21,6 +21,13 @@ using toolkit::TextArea;
 
 constexpr std::size_t kSpacing = 100;
 
+// Real timers stay off, so that only what a benchmark does runs.
+void stopTimers(DiffWin& w)
+{
+    w.Timer1->setMode(0);
+    w.Timer2->setMode(0);
+}
+
 // The 1M-line source-like text on the left; on the right every hundredth line replaced, which
 // gives one difference each.
 DiffWin& window()
@@ -35,12 +42,10 @@ DiffWin& window()
         QCoreApplication::processEvents();
         w->txtBox[0]->setText(QString::fromStdString(Bench::joinLines(pair.sides[0])));
         w->txtBox[1]->setText(QString::fromStdString(Bench::joinLines(right)));
-        // The pause is over: the next tick compares. Real timers stay off, so that only what the
-        // benchmark does runs.
+        // The pause is over: the next tick compares.
         emit w->Timer2->Action();
         emit w->Timer1->Action();
-        w->Timer1->setMode(0);
-        w->Timer2->setMode(0);
+        stopTimers(*w);
         QCoreApplication::processEvents();
         return w;
     }();
@@ -91,6 +96,15 @@ void key(QWidget* target, int code, const QString& text)
     QCoreApplication::sendEvent(target, &release);
 }
 
+// Types an x on even turns and takes it back on odd ones, so the text stays as it was.
+void typeOrErase(TextArea& pane, int turn)
+{
+    if (turn % 2 == 0)
+        key(&pane, Qt::Key_X, QStringLiteral("x"));
+    else
+        key(&pane, Qt::Key_Backspace, QString());
+}
+
 // A keystroke in a pane: the edit and what the window does about it, before the pause.
 void BM_Keystroke(benchmark::State& state)
 {
@@ -98,14 +112,9 @@ void BM_Keystroke(benchmark::State& state)
     TextArea& pane = *w.txtBox[0];
     pane.select(pane.CharacterPosition(pane.LineCount() / 2) - 1, 0);
     int n = 0;
-    for (auto _ : state) {
-        if (n++ % 2 == 0)
-            key(&pane, Qt::Key_X, QStringLiteral("x"));
-        else
-            key(&pane, Qt::Key_Backspace, QString());
-    }
-    w.Timer1->setMode(0);
-    w.Timer2->setMode(0);
+    for (auto _ : state)
+        typeOrErase(pane, n++);
+    stopTimers(w);
     counters(state, w);
 }
 BENCHMARK(BM_Keystroke)->Unit(benchmark::kMicrosecond);
@@ -119,12 +128,8 @@ void BM_ComparisonAfterPause(benchmark::State& state)
     int n = 0;
     for (auto _ : state) {
         state.PauseTiming();
-        if (n++ % 2 == 0)
-            key(&pane, Qt::Key_X, QStringLiteral("x"));
-        else
-            key(&pane, Qt::Key_Backspace, QString());
-        w.Timer1->setMode(0);
-        w.Timer2->setMode(0);
+        typeOrErase(pane, n++);
+        stopTimers(w);
         state.ResumeTiming();
         emit w.Timer1->Action();
     }

@@ -11,6 +11,7 @@
 #include "Label.h"
 #include "LicenseWindow.h"
 #include "MenuBar1.h"
+#include "PaneLines.h"
 #include "Rectangle.h"
 #include "SeqDiff.h"
 #include "Style.h"
@@ -62,25 +63,6 @@ constexpr int kCanvasWidth = 54;
 constexpr unsigned kSameColour = 0x99CCFF;
 constexpr unsigned kDiffColour = 0xFFCC00;
 constexpr unsigned kCurrentColour = 0xFFAA00;
-
-// A pane as the indicator asks it.
-class PaneLines final : public indicator::LinePane
-{
-public:
-    explicit PaneLines(const TextArea& pane)
-        : pane(pane)
-    {
-    }
-    int CharacterPosition(int line) const override { return pane.CharacterPosition(line); }
-    int CharacterPosition(double x, double y) const override
-    {
-        return pane.CharacterPosition(x, y);
-    }
-    int Height() const override { return pane.height(); }
-
-private:
-    const TextArea& pane;
-};
 
 } // namespace
 

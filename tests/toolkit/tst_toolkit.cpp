@@ -13,6 +13,20 @@
 
 using toolkit::Locks;
 
+namespace {
+// A pane of 200 × 150 with lines "line 0", "line 1" … ended by CR, on screen.
+bool showLines(toolkit::TextArea& pane, int count)
+{
+    pane.resize(200, 150);
+    QStringList lines;
+    for (int i = 0; i < count; ++i)
+        lines << QStringLiteral("line %1").arg(i);
+    pane.setText(lines.join(u'\r'));
+    pane.show();
+    return QTest::qWaitForWindowExposed(&pane);
+}
+} // namespace
+
 class TstToolkit : public QObject
 {
     Q_OBJECT
@@ -151,13 +165,7 @@ void TstToolkit::paneLinesAreTheTextsLines()
 void TstToolkit::scrollPositionCountsLinesAndStops()
 {
     toolkit::TextArea pane;
-    pane.resize(200, 150);
-    QStringList lines;
-    for (int i = 0; i < 500; ++i)
-        lines << QStringLiteral("line %1").arg(i);
-    pane.setText(lines.join(u'\r'));
-    pane.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&pane));
+    QVERIFY(showLines(pane, 500));
 
     pane.setVerticalScrollPosition(120);
     QCOMPARE(pane.VerticalScrollPosition(), 120);
@@ -257,13 +265,7 @@ void TstToolkit::characterPositionsFollowThePane()
 void TstToolkit::selectingKeepsTheView()
 {
     toolkit::TextArea pane;
-    pane.resize(200, 150);
-    QStringList lines;
-    for (int i = 0; i < 500; ++i)
-        lines << QStringLiteral("line %1").arg(i);
-    pane.setText(lines.join(u'\r'));
-    pane.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&pane));
+    QVERIFY(showLines(pane, 500));
     pane.setVerticalScrollPosition(200);
     const quint64 revision = pane.contentRevision();
 

@@ -5,6 +5,7 @@
 #include "DiffWin.h"
 #include "Label.h"
 #include "LinePane.h"
+#include "PaneLines.h"
 #include "TextArea.h"
 #include "Timer.h"
 #include "globals.h"
@@ -155,25 +156,6 @@ bool selects(const TextArea* pane, int first, int last)
     const int length = last < 0 ? 0 : lineStart(pane, last + 1) - lineStart(pane, first);
     return pane->SelectionStart() == lineStart(pane, first) && pane->SelectionLength() == length;
 }
-
-// A pane as the indicator asks it, for clicks on bands partly out of view.
-class PaneLines final : public indicator::LinePane
-{
-public:
-    explicit PaneLines(const TextArea& pane)
-        : pane(pane)
-    {
-    }
-    int CharacterPosition(int line) const override { return pane.CharacterPosition(line); }
-    int CharacterPosition(double x, double y) const override
-    {
-        return pane.CharacterPosition(x, y);
-    }
-    int Height() const override { return pane.height(); }
-
-private:
-    const TextArea& pane;
-};
 
 void wheel(QWidget* target, QPoint angle)
 {

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "LinePane.h"
+#include "TextArea.h"
+
+// A pane as the indicator asks it.
+class PaneLines final : public indicator::LinePane
+{
+public:
+    explicit PaneLines(const toolkit::TextArea& pane)
+        : pane(pane)
+    {
+    }
+    int CharacterPosition(int line) const override { return pane.CharacterPosition(line); }
+    int CharacterPosition(double x, double y) const override
+    {
+        return pane.CharacterPosition(x, y);
+    }
+    int Height() const override { return pane.height(); }
+
+private:
+    const toolkit::TextArea& pane;
+};
