@@ -246,9 +246,7 @@ void DiffWin::Timer1_Action()
     }
     if (onlyFirst) {
         onlyFirst = false;
-        curDiffNum = 0;
-        if (!topsA.empty())
-            curLine = int(topsA[0]);
+        makeFirstCurrent();
         redraw = true;
     }
     if (redraw || curDiffNum != curDiffNum0) {
@@ -398,10 +396,16 @@ void DiffWin::TopBtn_Action()
 {
     txtBox[0]->setVerticalScrollPosition(0);
     txtBox[1]->setVerticalScrollPosition(0);
+    makeFirstCurrent();
+    dirty = true;
+}
+
+// With no differences, the index still goes to 0 and the current line stays.
+void DiffWin::makeFirstCurrent()
+{
     curDiffNum = 0;
     if (!topsA.empty())
         curLine = int(topsA[0]);
-    dirty = true;
 }
 
 // Each pane to its own last line, with the last difference current.

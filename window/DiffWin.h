@@ -103,6 +103,7 @@ private:
     void updateFilm();
     void clickBand(const indicator::Band& band, int diffIndex);
     void goToDifference(int n);
+    void makeFirstCurrent();
 
     bool _HelpLicense_Action();
     bool _HelpAbout_Action();
