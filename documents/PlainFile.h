@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace documents {
+
+// What a path names. Links are followed; a dangling link or a loop of links is missing.
+enum class PathKind { Missing, File, Folder, Fifo, Socket, Device, Other };
+
+PathKind pathKind(const std::string& path);
+// "a folder", "a FIFO" …, for messages.
+const char* describe(PathKind kind);
+
+// A regular file opened for reading only, taken in pieces. It never blocks: other kinds are
+// refused before opening (opening a device can have effects of its own) and again on the open
+// file, in case the path changed in between.
+class PlainFile
+{
+public:
+    explicit PlainFile(const std::string& path);
+    ~PlainFile();
+    PlainFile(const PlainFile&) = delete;
+    PlainFile& operator=(const PlainFile&) = delete;
+
+    bool isOpen() const { return fd >= 0; }
+    // One line telling why the file could not be opened or read.
+    const std::string& error() const { return problem; }
+    // The size when opened; files of /proc report 0 and still have text.
+    std::uint64_t sizeAtOpen() const { return size; }
+    // Reads up to `count` bytes into `into`; 0 at the end or on an error. A file is taken up to
+    // the size it had when opened, so one that is being written to still ends; one that reports
+    // no size ends at kUnsizedLimit.
+    std::size_t read(char* into, std::size_t count);
+    bool atEnd() const { return ended; }
+    // True when the file had more than its size at opening: it was written to meanwhile.
+    bool grew();
+
+    static constexpr std::uint64_t kUnsizedLimit = std::uint64_t(64) << 20;
+
+private:
+    std::string path;
+    int fd = -1;
+    std::uint64_t size = 0;
+    std::uint64_t taken = 0;
+    bool ended = false;
+    std::string problem;
+};
+
+// A whole file's bytes.
+struct FileBytes
+{
+    std::unique_ptr<char[]> data;
+    std::size_t size = 0;
+    std::string_view view() const { return {data.get(), size}; }
+};
+
+// Reads a regular file whole; nothing and a one-line reason in `error` when it can't, or when
+// the file grew while it was read.
+std::optional<FileBytes> readWholeFile(const std::string& path, std::string& error);
+
+} // namespace documents
