@@ -2,6 +2,8 @@
 
 #include "Application.h"
 
+#include <QStringList>
+
 #include <functional>
 
 // The application object: version data, the menu bar, and the checks made once at start-up.
@@ -16,6 +18,16 @@ public:
     // the user has been told and the quit is under way.
     bool Event_Open();
 
+    // A document opened with the program: the next pane of the current batch gets it.
+    void Event_OpenDocument(const QString& path);
+    // Hands the documents to Event_OpenDocument one after the other, in order. Documents that
+    // arrive while one is being read wait their turn.
+    void openDocuments(const QStringList& paths);
+
     // The self-test to run; tests put a failing one here.
     std::function<bool()> selfTest;
+
+private:
+    QStringList pendingDocuments;
+    bool openingDocuments = false;
 };
