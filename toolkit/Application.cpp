@@ -1,5 +1,6 @@
 #include "Application.h"
 
+#include "Keyboard.h"
 #include "Window.h"
 
 #include <QDesktopServices>
@@ -12,6 +13,8 @@ namespace toolkit {
 Application::Application(int& argc, char** argv)
     : QApplication(argc, argv)
 {
+    // A long read looks at the Esc key, which may have been pressed before it began.
+    Keyboard::startWatching();
 }
 
 void Application::Quit(int code)

@@ -2,6 +2,7 @@
 
 #include "Style.h"
 
+#include <QDropEvent>
 #include <QPainter>
 
 namespace toolkit {
@@ -28,6 +29,34 @@ void Rectangle::paintEvent(QPaintEvent*)
     p.fillRect(0, 0, 1, h, TopLeftColor);
     p.fillRect(0, h - 1, w, 1, BottomRightColor);
     p.fillRect(w - 1, 0, 1, h, BottomRightColor);
+}
+
+void Rectangle::AcceptFileDrop(const FileTypeList&)
+{
+    setAcceptDrops(true);
+}
+
+void Rectangle::dragEnterEvent(QDragEnterEvent* e)
+{
+    if (!fileDrops.enter(e))
+        e->ignore();
+}
+
+void Rectangle::dragMoveEvent(QDragMoveEvent* e)
+{
+    if (!fileDrops.move(e))
+        e->ignore();
+}
+
+void Rectangle::dragLeaveEvent(QDragLeaveEvent*)
+{
+    fileDrops.leave();
+}
+
+void Rectangle::dropEvent(QDropEvent* e)
+{
+    if (!fileDrops.drop(e, this))
+        e->ignore();
 }
 
 } // namespace toolkit

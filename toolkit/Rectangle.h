@@ -1,5 +1,8 @@
 #pragma once
 
+#include "DragItem.h"
+#include "FileType.h"
+
 #include <QColor>
 #include <QWidget>
 
@@ -18,8 +21,17 @@ public:
     QColor BottomRightColor = Qt::black;
     void setColors(unsigned fill, unsigned topLeft, unsigned bottomRight);
 
+    // Files dragged onto the rectangle, or onto a control on it that takes no drops, go to these
+    // handlers.
+    void AcceptFileDrop(const FileTypeList& types);
+    FileDrops fileDrops;
+
 protected:
     void paintEvent(QPaintEvent*) override;
+    void dragEnterEvent(QDragEnterEvent* e) override;
+    void dragMoveEvent(QDragMoveEvent* e) override;
+    void dragLeaveEvent(QDragLeaveEvent* e) override;
+    void dropEvent(QDropEvent* e) override;
 };
 
 } // namespace toolkit

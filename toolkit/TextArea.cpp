@@ -4,13 +4,47 @@
 #include "Style.h"
 
 #include <QAbstractTextDocumentLayout>
+#include <QPainter>
 #include <QScrollBar>
 #include <QTextBlock>
+#include <QTextObjectInterface>
 #include <QWheelEvent>
 
 #include <algorithm>
 
 namespace toolkit {
+
+namespace {
+
+// Draws the pictures of a styled text, which the plain editor's layout leaves out, at the size
+// their format gives.
+class PictureObject : public QObject, public QTextObjectInterface
+{
+    Q_OBJECT
+    Q_INTERFACES(QTextObjectInterface)
+public:
+    using QObject::QObject;
+    QSizeF intrinsicSize(QTextDocument* doc, int, const QTextFormat& format) override
+    {
+        const QTextImageFormat f = format.toImageFormat();
+        if (f.width() > 0 && f.height() > 0)
+            return {f.width(), f.height()};
+        return picture(doc, f).size();
+    }
+    void drawObject(QPainter* painter, const QRectF& rect, QTextDocument* doc, int,
+        const QTextFormat& format) override
+    {
+        painter->drawImage(rect, picture(doc, format.toImageFormat()));
+    }
+
+private:
+    static QImage picture(QTextDocument* doc, const QTextImageFormat& f)
+    {
+        return doc->resource(QTextDocument::ImageResource, QUrl(f.name())).value<QImage>();
+    }
+};
+
+} // namespace
 
 TextArea::TextArea(QWidget* parent)
     : QPlainTextEdit(parent)
@@ -27,6 +61,56 @@ TextArea::TextArea(QWidget* parent)
     QAbstractTextDocumentLayout* layout = document()->documentLayout();
     // Any new layout: a font, a margin, a line laid out anew.
     connect(layout, &QAbstractTextDocumentLayout::update, this, [this] { rowsStale = true; });
+    layout->registerHandler(QTextFormat::ImageObject, new PictureObject(this));
+}
+
+void TextArea::setTextFont(const QString& name)
+{
+    QFont f = font();
+    f.setFamily(name == QLatin1String("System") ? systemFont().family() : name);
+    setFont(f);
+}
+
+void TextArea::setTextSize(int size)
+{
+    QFont f = font();
+    const QFont desktop = systemFont();
+    if (size > 0)
+        f.setPixelSize(size);
+    else if (desktop.pixelSize() > 0)
+        f.setPixelSize(desktop.pixelSize());
+    else
+        f.setPointSizeF(desktop.pointSizeF());
+    setFont(f);
+}
+
+void TextArea::AcceptFileDrop(const FileTypeList&)
+{
+    setAcceptDrops(true);
+}
+
+void TextArea::dragEnterEvent(QDragEnterEvent* e)
+{
+    if (!fileDrops.enter(e))
+        QPlainTextEdit::dragEnterEvent(e);
+}
+
+void TextArea::dragMoveEvent(QDragMoveEvent* e)
+{
+    if (!fileDrops.move(e))
+        QPlainTextEdit::dragMoveEvent(e);
+}
+
+void TextArea::dragLeaveEvent(QDragLeaveEvent* e)
+{
+    if (!fileDrops.leave())
+        QPlainTextEdit::dragLeaveEvent(e);
+}
+
+void TextArea::dropEvent(QDropEvent* e)
+{
+    if (!fileDrops.drop(e, this))
+        QPlainTextEdit::dropEvent(e);
 }
 
 QStringList TextArea::Lines() const
@@ -188,3 +272,5 @@ void TextArea::wheelEvent(QWheelEvent* e)
 }
 
 } // namespace toolkit
+
+#include "TextArea.moc"

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "DragItem.h"
+#include "FileType.h"
 #include "Geometry.h"
 
 #include <QPlainTextEdit>
@@ -29,6 +31,17 @@ public:
     QString Text() const { return toPlainText(); }
     // Raises TextChange, as typing does.
     void setText(const QString& text) { setPlainText(text); }
+
+    // The text with its styles, as a rich-text reader leaves it. Readers write into it inside
+    // one edit block, so that the pane lays it out once.
+    QTextDocument* StyledText() const { return document(); }
+    // "System" and size 0 stand for the desktop's font.
+    void setTextFont(const QString& name);
+    void setTextSize(int size);
+
+    // Files dragged onto the pane go to these handlers; dragged text is the editor's.
+    void AcceptFileDrop(const FileTypeList& types);
+    FileDrops fileDrops;
 
     // The pane's lines as it shows them: CR, LF, CR LF and U+2029 end a line, U+2028 does not.
     QStringList Lines() const;
@@ -71,6 +84,10 @@ signals:
 
 protected:
     void wheelEvent(QWheelEvent* e) override;
+    void dragEnterEvent(QDragEnterEvent* e) override;
+    void dragMoveEvent(QDragMoveEvent* e) override;
+    void dragLeaveEvent(QDragLeaveEvent* e) override;
+    void dropEvent(QDropEvent* e) override;
 
 private:
     std::vector<int> rowPositions(int first, int last) const;
