@@ -5,6 +5,8 @@
 #include "BevelButton.h"
 #include "Canvas.h"
 #include "Controls.h"
+#include "DragItem.h"
+#include "FileTypes1.h"
 #include "Geometry.h"
 #include "Graphics.h"
 #include "HelpWindow.h"
@@ -69,6 +71,7 @@ constexpr unsigned kCurrentColour = 0xFFAA00;
 DiffWin::DiffWin()
     : toolkit::Window(QSize(672, 500))
 {
+    TE.fill(documents::TextEncoding::None);
     Layout();
     CreateControls();
     CreateTimers();
@@ -155,8 +158,11 @@ void DiffWin::CreateControls()
     setTabOrder(diffCanvas, TEBMenu[1]);
     setTabOrder(TEBMenu[1], ClearButton);
 
-    for (int i = 0; i < 2; ++i)
+    WinBack_Open();
+    for (int i = 0; i < 2; ++i) {
         txtBox_Open(i);
+        TEBMenu_Open(i);
+    }
     diffCanvas_Open();
 }
 
@@ -193,10 +199,23 @@ void DiffWin::ConnectHandlers()
     connect(PrevBtn, &BevelButton::Action, this, &DiffWin::PrevBtn_Action);
     connect(TopBtn, &BevelButton::Action, this, &DiffWin::TopBtn_Action);
     connect(BtmBtn, &BevelButton::Action, this, &DiffWin::BtmBtn_Action);
+    connect(ClearButton, &BevelButton::Action, this, &DiffWin::ClearButton_Action);
+    for (int i = 0; i < 2; ++i) {
+        connect(TEBMenu[i], &BevelButton::Action, this, [this, i] { TEBMenu_Action(i); });
+        connect(titleBox[i], &BevelButton::Action, this, [this, i] { titleBox_Action(i); });
+        toolkit::FileDrops& drops = txtBox[i]->fileDrops;
+        drops.DragEnter = [this, i](toolkit::DragItem& obj) { txtBox_DragEnter(i, obj); };
+        drops.DragExit = [this, i] { txtBox_DragExit(i); };
+        drops.DropObject = [this, i](toolkit::DragItem& obj) { txtBox_DropObject(i, obj); };
+    }
+    WinBack->fileDrops.DragEnter = [this](toolkit::DragItem& obj) { WinBack_DragEnter(obj); };
+    WinBack->fileDrops.DragExit = [this] { WinBack_DragExit(); };
+    WinBack->fileDrops.DropObject = [this](toolkit::DragItem& obj) { WinBack_DropObject(obj); };
 }
 
-void DiffWin::txtBox_Open(int)
+void DiffWin::txtBox_Open(int index)
 {
+    txtBox[index]->AcceptFileDrop(FileTypes1::text() + FileTypes1::Rtf() + FileTypes1::Rtfd());
     // The first difference becomes current at the first update.
     onlyFirst = true;
 }
@@ -454,8 +473,10 @@ bool DiffWin::_FileClose_Action()
 void DiffWin::Event_Open()
 {
     setHeight(Height());
-    textClone[0] = txtBox[0]->Text();
-    textClone[1] = txtBox[1]->Text();
+    textClone[0] = txtBox[0]->Text().toStdString();
+    textClone[1] = txtBox[1]->Text().toStdString();
+    // The last slot stays empty.
+    std::copy_n(documents::TE.begin(), 8, TE.begin());
     compare();
     updateFilm();
 }

@@ -2,16 +2,20 @@
 
 #include "Difference.h"
 #include "HitTest.h"
+#include "TextEncoding.h"
 #include "Window.h"
 
 #include <array>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace toolkit {
 class BevelButton;
 class Canvas;
+class DragItem;
+class FolderItem;
 class Label;
 class Rectangle;
 class TextArea;
@@ -36,6 +40,18 @@ public:
     bool updateDiffCanvas();
     void selectDiffLines(int aStart, int aEnd, int bStart, int bEnd, bool aEmpty, bool bEmpty);
 
+    // Reads a file into a pane and shows its name in the pane's title; a new comparison
+    // follows. Files that can't be read leave the pane as it was.
+    void setTextBox(
+        toolkit::FolderItem file, int index, toolkit::TextArea* pane, toolkit::BevelButton* title);
+    // Lays the pane's chosen encoding on the bytes last read and shows the result.
+    void setTxEnc(int index);
+    void initTEMenu(int index);
+    void MakeTitlePopup(toolkit::BevelButton* button, const toolkit::FolderItem& file);
+    void ClearBoxes();
+    // The files of a drop: the first to pane `index`, the second to the other pane.
+    void respondDrop(toolkit::DragItem& obj, int index);
+
     std::vector<SeqDiff::Difference> diffs;
     std::vector<std::int64_t> topsA, topsB;
     std::array<int, 2> scrolTop{0, 0};
@@ -47,7 +63,10 @@ public:
     int curDiffNum0 = -1;
     indicator::Point clickedPoint;
     bool canvasClicked = false;
-    std::array<QString, 2> textClone;
+    // The bytes last read into each pane, which its encoding turns into the pane's text.
+    std::array<std::string, 2> textClone;
+    // The encodings; a pane's popup row is an index into this table.
+    std::array<documents::TextEncoding, 9> TE{};
 
     toolkit::Rectangle* WinBack = nullptr;
     std::array<toolkit::Rectangle*, 2> txtBack{};
@@ -98,6 +117,22 @@ private:
     void PrevBtn_Action();
     void TopBtn_Action();
     void BtmBtn_Action();
+    void TEBMenu_Open(int index);
+    void TEBMenu_Action(int index);
+    void titleBox_Action(int index);
+    void ClearButton_Action();
+    void WinBack_Open();
+    bool WinBack_DragEnter(toolkit::DragItem& obj);
+    void WinBack_DragExit();
+    void WinBack_DropObject(toolkit::DragItem& obj);
+    bool txtBox_DragEnter(int index, toolkit::DragItem& obj);
+    void txtBox_DragExit(int index);
+    void txtBox_DropObject(int index, toolkit::DragItem& obj);
+
+    void readStyled(
+        const toolkit::FolderItem& file, int index, toolkit::TextArea* pane, const QString& ext);
+    void readPlain(const toolkit::FolderItem& file, int index, toolkit::TextArea* pane,
+        toolkit::BevelButton* title);
 
     // Runs the pass and shows "All same!" when it drew no band.
     void updateFilm();

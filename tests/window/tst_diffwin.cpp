@@ -223,7 +223,7 @@ void TstDiffWin::opensOnAComparisonOfTheSamples()
     DiffWin* w = openWindow();
     QVERIFY(w);
     QCOMPARE(w->txtBox[0]->LineCount(), globals::kOriginalSampleT().count(u'\r') + 1);
-    QCOMPARE(w->textClone[0], w->txtBox[0]->Text());
+    QCOMPARE(QString::fromStdString(w->textClone[0]), w->txtBox[0]->Text());
     QVERIFY(w->diffs.size() >= 3);
     QVERIFY(w->onlyFirst);
     QCOMPARE(w->topsA.size(), w->diffs.size());

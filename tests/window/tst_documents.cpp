@@ -1,0 +1,495 @@
+#include "App.h"
+#include "BevelButton.h"
+#include "DiffWin.h"
+#include "FolderItem.h"
+#include "Label.h"
+#include "Rectangle.h"
+#include "TextArea.h"
+#include "Timer.h"
+#include "globals.h"
+
+#include <QDir>
+#include <QFile>
+#include <QMimeData>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+#include <QUrl>
+
+#include <sys/stat.h>
+
+namespace {
+int argc = 1;
+char arg0[] = "tst_documents";
+char* argv[] = {arg0, nullptr};
+
+// "日本語テキスト" and a line break, in the bytes of each popup row that can hold it.
+const QByteArray kShiftJis = QByteArray::fromHex("93fa967b8cea8365834c83588367") + "\n";
+const QByteArray kEucJp = QByteArray::fromHex("c6fccbdcb8eca5c6a5ada5b9a5c8") + "\n";
+const QString kJapanese = QStringLiteral("日本語テキスト\n");
+
+class Files
+{
+public:
+    QString write(const QString& name, const QByteArray& bytes)
+    {
+        const QString path = dir.filePath(name);
+        QDir().mkpath(QFileInfo(path).path());
+        QFile f(path);
+        if (!f.open(QIODevice::WriteOnly) || f.write(bytes) != bytes.size())
+            qFatal("cannot write a test file");
+        return path;
+    }
+    QString folder(const QString& name)
+    {
+        QDir().mkpath(dir.filePath(name));
+        return dir.filePath(name);
+    }
+    QString path(const QString& name) const { return dir.filePath(name); }
+
+private:
+    QTemporaryDir dir;
+};
+
+DiffWin* window()
+{
+    auto* w = &toolkit::implicitInstance<DiffWin>();
+    w->Show();
+    return w;
+}
+
+void load(DiffWin* w, const QString& path, int index = 0)
+{
+    w->setTextBox(toolkit::FolderItem(path), index, w->txtBox[index], w->titleBox[index]);
+}
+
+QMimeData* filesData(const QStringList& paths)
+{
+    auto* data = new QMimeData;
+    QList<QUrl> urls;
+    for (const QString& p : paths)
+        urls << QUrl::fromLocalFile(p);
+    data->setUrls(urls);
+    return data;
+}
+
+// A drag that enters `target`, and then either leaves or drops there.
+void drag(QWidget* target, const QStringList& paths, bool dropIt)
+{
+    std::unique_ptr<QMimeData> data(filesData(paths));
+    const QPoint at = target->rect().center();
+    QDragEnterEvent enter(at, Qt::CopyAction, data.get(), Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(target, &enter);
+    if (!dropIt) {
+        QDragLeaveEvent leave;
+        QCoreApplication::sendEvent(target, &leave);
+        return;
+    }
+    QDropEvent drop(at, Qt::CopyAction, data.get(), Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(target, &drop);
+    // The files are read once the drop has been answered.
+    QCoreApplication::processEvents();
+}
+
+QWidget* dropTarget(DiffWin* w, int target)
+{
+    return target < 0 ? static_cast<QWidget*>(w->WinBack) : w->txtBox[target]->viewport();
+}
+
+void pressEsc(bool release)
+{
+    QKeyEvent press(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+    QCoreApplication::sendEvent(qApp, &press);
+    if (release) {
+        QKeyEvent up(QEvent::KeyRelease, Qt::Key_Escape, Qt::NoModifier);
+        QCoreApplication::sendEvent(qApp, &up);
+    }
+}
+
+} // namespace
+
+class TstDocuments : public QObject
+{
+    Q_OBJECT
+private slots:
+    void cleanup();
+    void readingByKind_data();
+    void readingByKind();
+    void theTitleShowsTheFolders();
+    void escStopsTheRead_data();
+    void escStopsTheRead();
+    void encodings();
+    void styledTextHidesThePopupUntilAPlainFile();
+    void clearAll();
+    void dragFeedback_data();
+    void dragFeedback();
+    void dropsShareFilesOut_data();
+    void dropsShareFilesOut();
+    void draggedTextIsTheEditors();
+    void openedDocumentsComeInBatches();
+};
+
+void TstDocuments::cleanup()
+{
+    toolkit::Application::deleteWindows();
+    globals::fCount = 0;
+}
+
+void TstDocuments::readingByKind_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<bool>("textRead");
+    QTest::addColumn<bool>("titled");
+
+    QTest::newRow("text") << "a.txt"
+                          << "file" << true << true;
+    QTest::newRow("double ending") << "a.pdf.txt"
+                                   << "file" << true << true;
+    QTest::newRow("ends in a dot") << "a."
+                                   << "file" << true << true;
+    QTest::newRow("no ending") << "README"
+                               << "file" << true << true;
+    QTest::newRow("binary with NUL") << "b.bin"
+                                     << "binary" << true << true;
+    QTest::newRow("empty") << "e.txt"
+                           << "empty" << true << true;
+    QTest::newRow("pdf") << "a.pdf"
+                         << "file" << false << false;
+    QTest::newRow("PDF in capitals") << "a.PDF"
+                                     << "file" << false << false;
+    QTest::newRow("named zip") << "zip"
+                               << "file" << false << false;
+    QTest::newRow("missing") << "gone.txt"
+                             << "missing" << false << false;
+    QTest::newRow("folder") << "f.txt"
+                            << "folder" << false << false;
+    QTest::newRow("link loop") << "loop.txt"
+                               << "loop" << false << false;
+    QTest::newRow("link to a file") << "link.txt"
+                                    << "link" << true << true;
+    // Unreadable: the title changes, the text stays.
+    QTest::newRow("FIFO") << "p.txt"
+                          << "fifo" << false << true;
+    QTest::newRow("no permission") << "secret.txt"
+                                   << "locked" << false << true;
+}
+
+// Each kind of path: whether the pane takes its text and whether the title shows its name.
+void TstDocuments::readingByKind()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, kind);
+    QFETCH(bool, textRead);
+    QFETCH(bool, titled);
+    Files files;
+    QByteArray bytes = "first\nsecond\n";
+    QString path = kind == "system" ? name : files.path(name);
+    if (kind == "file" || kind == "locked")
+        files.write(name, bytes);
+    if (kind == "binary")
+        files.write(name, bytes = QByteArray("a\0b\0\xff\n", 7));
+    if (kind == "empty")
+        files.write(name, bytes = {});
+    if (kind == "folder")
+        files.folder(name);
+    if (kind == "loop")
+        QFile::link(path, path);
+    if (kind == "link")
+        QFile::link(files.write("target.txt", bytes), path);
+    if (kind == "fifo")
+        QVERIFY(::mkfifo(QFile::encodeName(path).constData(), 0600) == 0);
+    if (kind == "locked") {
+        QFile::setPermissions(path, {});
+        if (QFile(path).open(QIODevice::ReadOnly))
+            QSKIP("running with the right to read any file");
+    }
+
+    DiffWin* w = window();
+    const QString before = w->txtBox[0]->Text();
+    const QString other = w->txtBox[1]->Text();
+    w->dirty = false;
+    load(w, path);
+    if (kind == "system") {
+        QCOMPARE(w->txtBox[0]->Text() != before, textRead);
+        QCOMPARE(w->txtBox[0]->Text().startsWith("Name:"), textRead);
+    } else {
+        QCOMPARE(w->txtBox[0]->Text(), textRead ? QString::fromUtf8(bytes) : before);
+        QCOMPARE(w->textClone[0] == bytes.toStdString(), textRead);
+    }
+    const QString title
+        = kind == "link" ? QStringLiteral("target.txt") : QFileInfo(name).fileName();
+    QCOMPARE(w->titleBox[0]->Caption(), titled ? title : globals::kBoxLeft());
+    QCOMPARE(w->dirty, titled);
+    QCOMPARE(w->txtBox[1]->Text(), other);
+}
+
+void TstDocuments::theTitleShowsTheFolders()
+{
+    DiffWin* w = window();
+    w->MakeTitlePopup(w->titleBox[1], toolkit::FolderItem("/usr/share/doc/file.txt"));
+    QCOMPARE(w->titleBox[1]->Caption(), QStringLiteral("file.txt"));
+    QStringList rows;
+    for (int i = 0; i < w->titleBox[1]->ListCount(); ++i)
+        rows << w->titleBox[1]->List(i);
+    QCOMPARE(rows, QStringList({"doc", "share", "usr", "/"}));
+    QCOMPARE(w->titleBox[1]->MenuValue(), -1);
+
+    w->MakeTitlePopup(w->titleBox[0], toolkit::FolderItem("/file.txt"));
+    QCOMPARE(w->titleBox[0]->ListCount(), 1);
+    QCOMPARE(w->titleBox[0]->List(0), QStringLiteral("/"));
+}
+
+void TstDocuments::escStopsTheRead_data()
+{
+    QTest::addColumn<int>("size");
+    QTest::addColumn<int>("escAfterChunks"); // 0: held down before the read
+    QTest::addColumn<int>("expected");
+    QTest::newRow("held down: one chunk still comes in") << 5000 << 0 << 1024;
+    QTest::newRow("pressed during the read") << 100000 << 3 << 3 * 1024;
+    QTest::newRow("never pressed, 1024 bytes") << 1024 << -1 << 1024;
+    QTest::newRow("never pressed, 1025 bytes") << 1025 << -1 << 1025;
+}
+
+void TstDocuments::escStopsTheRead()
+{
+    QFETCH(int, size);
+    QFETCH(int, escAfterChunks);
+    QFETCH(int, expected);
+    Files files;
+    const QString path = files.write("big.txt", QByteArray(size, 'x'));
+    DiffWin* w = window();
+    QString caption;
+    int chunks = 0;
+    // Runs between chunks, as every event does during a read.
+    QTimer spy;
+    connect(&spy, &QTimer::timeout, [&] {
+        caption = w->titleBox[0]->Caption();
+        if (++chunks == escAfterChunks)
+            pressEsc(true);
+    });
+    spy.start(0);
+    if (escAfterChunks == 0)
+        pressEsc(false);
+    load(w, path);
+    spy.stop();
+    QKeyEvent up(QEvent::KeyRelease, Qt::Key_Escape, Qt::NoModifier);
+    QCoreApplication::sendEvent(qApp, &up);
+    QCOMPARE(int(w->textClone[0].size()), expected);
+    QCOMPARE(w->txtBox[0]->Text().size(), expected);
+    QCOMPARE(caption, QStringLiteral("読込み中（Escキーで中断可）"));
+    QCOMPARE(w->titleBox[0]->Caption(), QStringLiteral("big.txt"));
+}
+
+// A pane's row decides how its bytes are read, for this file and the next; the same text in
+// Shift_JIS and in EUC-JP compares as the same.
+void TstDocuments::encodings()
+{
+    Files files;
+    DiffWin* w = window();
+    QStringList rows;
+    for (int i = 0; i < w->TEBMenu[0]->ListCount(); ++i)
+        rows << w->TEBMenu[0]->List(i);
+    QCOMPARE(rows,
+        QStringList({"UTF-8", "ShiftJIS", "Japanese MacOS", "Japanese EUC", "ShiftJIS-X0212"}));
+
+    load(w, files.write("sjis.txt", kShiftJis), 0);
+    QVERIFY(w->txtBox[0]->Text() != kJapanese);
+    w->txtBox[0]->setText(QStringLiteral("edited"));
+    w->TEBMenu[0]->setMenuValue(1);
+    emit w->TEBMenu[0]->Action();
+    QCOMPARE(w->txtBox[0]->Text(), kJapanese);
+    QCOMPARE(w->TEBMenu[0]->Caption(), QStringLiteral("ShiftJIS"));
+
+    w->TEBMenu[1]->setMenuValue(3);
+    emit w->TEBMenu[1]->Action();
+    load(w, files.write("euc.txt", kEucJp), 1);
+    QCOMPARE(w->txtBox[1]->Text(), kJapanese);
+    QVERIFY(w->SameFilm->isVisibleTo(w));
+    emit w->Timer2->Action();
+    emit w->Timer1->Action();
+    QVERIFY(w->diffs.empty());
+    QVERIFY(w->SameFilm->isVisibleTo(w));
+
+    // The choice stays for the next file of that pane.
+    load(w, files.write("sjis2.txt", kShiftJis), 0);
+    QCOMPARE(w->txtBox[0]->Text(), kJapanese);
+}
+
+void TstDocuments::styledTextHidesThePopupUntilAPlainFile()
+{
+    Files files;
+    DiffWin* w = window();
+    w->TEBMenu[1]->setMenuValue(1);
+    emit w->TEBMenu[1]->Action();
+    load(w, files.write("doc.rtf", "{\\rtf1\\ansi {\\b Bold} text\\par}"), 1);
+    QCOMPARE(w->txtBox[1]->Text(), QStringLiteral("Bold text\n"));
+    QCOMPARE(w->TELabel[1]->text(), QStringLiteral("RichText(RTF)"));
+    QVERIFY(w->TEBMenu[1]->isHidden());
+
+    const QString folder = files.folder("pack.rtfd");
+    files.write("pack.rtfd/TXT.rtf", "{\\rtf1\\ansi In a package}");
+    load(w, folder, 0);
+    QCOMPARE(w->txtBox[0]->Text(), QStringLiteral("In a package"));
+    QCOMPARE(w->TELabel[0]->text(), QStringLiteral("RichText(RTFD)"));
+
+    // A plain file brings the popup back at UTF-8, whatever it said before.
+    load(w, files.write("plain.txt", "café\n"), 1);
+    QVERIFY(!w->TEBMenu[1]->isHidden());
+    QCOMPARE(w->TELabel[1]->text(), QStringLiteral("Text encoding:"));
+    QCOMPARE(w->encodingMode[1], 0);
+    QCOMPARE(w->txtBox[1]->Text(), QStringLiteral("café\n"));
+}
+
+void TstDocuments::clearAll()
+{
+    Files files;
+    DiffWin* w = window();
+    load(w, files.write("a.txt", kShiftJis), 0);
+    load(w, files.write("b.rtf", "{\\rtf1 styled}"), 1);
+    w->TEBMenu[0]->setMenuValue(1);
+    emit w->TEBMenu[0]->Action();
+    emit w->ClearButton->Action();
+    for (int i = 0; i < 2; ++i) {
+        QCOMPARE(w->txtBox[i]->Text(), QString());
+        QCOMPARE(w->titleBox[i]->ListCount(), 0);
+        QVERIFY(!w->TEBMenu[i]->isHidden());
+        QCOMPARE(w->TEBMenu[i]->MenuValue(), 0);
+        QCOMPARE(w->encodingMode[i], 0);
+    }
+    QCOMPARE(w->titleBox[0]->Caption(), globals::kBoxLeft());
+    QCOMPARE(w->titleBox[1]->Caption(), globals::kBoxRight());
+    // The bytes last read are kept: a row picked now shows them again.
+    w->TEBMenu[0]->setMenuValue(1);
+    emit w->TEBMenu[0]->Action();
+    QCOMPARE(w->txtBox[0]->Text(), kJapanese);
+}
+
+void TstDocuments::dragFeedback_data()
+{
+    QTest::addColumn<int>("target"); // -1: the background
+    QTest::addColumn<QStringList>("names");
+    QTest::addColumn<QList<bool>>("frames");
+    QTest::newRow("one file on the background") << -1 << QStringList{"a.txt"} << QList{true, false};
+    QTest::newRow("two files on the background")
+        << -1 << QStringList{"a.txt", "b.txt"} << QList{true, true};
+    QTest::newRow("two files on the right pane")
+        << 1 << QStringList{"a.txt", "b.txt"} << QList{false, true};
+    QTest::newRow("movie on the background") << -1 << QStringList{"m.mov"} << QList{false, false};
+    QTest::newRow("movie on a pane") << 0 << QStringList{"m.mov"} << QList{true, false};
+    QTest::newRow("picture on a pane") << 0 << QStringList{"p.png"} << QList{false, false};
+    QTest::newRow("folder") << -1 << QStringList{"dir"} << QList{false, false};
+    QTest::newRow("rich text package") << -1 << QStringList{"pack.rtfd"} << QList{true, false};
+}
+
+// Frames show while a drag is over a target and go when it leaves.
+void TstDocuments::dragFeedback()
+{
+    QFETCH(int, target);
+    QFETCH(QStringList, names);
+    QFETCH(QList<bool>, frames);
+    Files files;
+    QStringList paths;
+    for (const QString& n : names)
+        paths << (n.contains('.') && !n.endsWith("rtfd") ? files.write(n, "x") : files.folder(n));
+    DiffWin* w = window();
+    std::unique_ptr<QMimeData> data(filesData(paths));
+    QWidget* on = dropTarget(w, target);
+    QDragEnterEvent enter({5, 5}, Qt::CopyAction, data.get(), Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(on, &enter);
+    QVERIFY(enter.isAccepted());
+    QCOMPARE(QList<bool>({!w->txtBack[0]->isHidden(), !w->txtBack[1]->isHidden()}), frames);
+    QDragLeaveEvent leave;
+    QCoreApplication::sendEvent(on, &leave);
+    QVERIFY(w->txtBack[0]->isHidden() && w->txtBack[1]->isHidden());
+}
+
+void TstDocuments::dropsShareFilesOut_data()
+{
+    QTest::addColumn<int>("target");
+    QTest::addColumn<QStringList>("names");
+    QTest::addColumn<QStringList>("titles");
+    const QString l = "Left Box", r = "Right Box";
+    QTest::newRow("one on the background") << -1 << QStringList{"a.txt"} << QStringList{"a.txt", r};
+    QTest::newRow("one on the right pane") << 1 << QStringList{"a.txt"} << QStringList{l, "a.txt"};
+    QTest::newRow("two on the left pane")
+        << 0 << QStringList{"a.txt", "b.txt"} << QStringList{"a.txt", "b.txt"};
+    QTest::newRow("two on the right pane")
+        << 1 << QStringList{"a.txt", "b.txt"} << QStringList{"b.txt", "a.txt"};
+    QTest::newRow("three: the third is ignored")
+        << -1 << QStringList{"a.txt", "b.txt", "c.txt"} << QStringList{"a.txt", "b.txt"};
+    QTest::newRow("first refused, second still read")
+        << -1 << QStringList{"a.zip", "b.txt"} << QStringList{l, "b.txt"};
+    QTest::newRow("excluded only") << 0 << QStringList{"a.pdf"} << QStringList{l, r};
+}
+
+void TstDocuments::dropsShareFilesOut()
+{
+    QFETCH(int, target);
+    QFETCH(QStringList, names);
+    QFETCH(QStringList, titles);
+    Files files;
+    QStringList paths;
+    for (const QString& n : names)
+        paths << files.write(n, n.toUtf8());
+    DiffWin* w = window();
+    w->onlyFirst = false;
+    drag(dropTarget(w, target), paths, true);
+    for (int i = 0; i < 2; ++i) {
+        QCOMPARE(w->titleBox[i]->Caption(), titles[i]);
+        if (titles[i].endsWith(".txt"))
+            QCOMPARE(w->txtBox[i]->Text(), titles[i]);
+        QVERIFY(w->txtBack[i]->isHidden());
+    }
+    QVERIFY(w->onlyFirst);
+}
+
+// Text dragged from elsewhere goes into the pane at the drop, as in any editor.
+void TstDocuments::draggedTextIsTheEditors()
+{
+    DiffWin* w = window();
+    w->txtBox[0]->setText(QString());
+    QMimeData data;
+    data.setText(QStringLiteral("dropped words"));
+    QWidget* on = w->txtBox[0]->viewport();
+    QDragEnterEvent enter({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(on, &enter);
+    QVERIFY(w->txtBack[0]->isHidden());
+    QDropEvent drop({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(on, &drop);
+    QCOMPARE(w->txtBox[0]->Text(), QStringLiteral("dropped words"));
+}
+
+void TstDocuments::openedDocumentsComeInBatches()
+{
+    Files files;
+    DiffWin* w = window();
+    const QStringList paths{files.write("1.txt", "1"), files.write("2.zip", "2"),
+        files.write("3.txt", "3"), files.write("4.txt", "4")};
+    auto& app = App::instance();
+    w->curDiffNum = 3;
+    w->onlyFirst = false;
+    // A refused document still takes its pane; past two, the batch ignores the rest.
+    app.openDocuments({paths[0], paths[1], paths[2]});
+    QCOMPARE(w->titleBox[0]->Caption(), QStringLiteral("1.txt"));
+    QCOMPARE(w->titleBox[1]->Caption(), globals::kBoxRight());
+    QCOMPARE(globals::fCount, 2);
+    QCOMPARE(w->Timer3->Mode(), 1);
+    QVERIFY(!w->onlyFirst);
+    QCOMPARE(w->curDiffNum, 3);
+
+    emit w->Timer3->Action();
+    app.openDocuments({paths[3]});
+    QCOMPARE(w->titleBox[0]->Caption(), QStringLiteral("4.txt"));
+    QCOMPARE(globals::fCount, 1);
+}
+
+int main(int, char**)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    App app(argc, argv);
+    TstDocuments test;
+    return QTest::qExec(&test);
+}
+
+#include "tst_documents.moc"

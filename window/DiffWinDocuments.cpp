@@ -1,0 +1,283 @@
+// The window's documents: reading files into the panes, their encodings, titles and drops.
+
+#include "Application.h"
+#include "BevelButton.h"
+#include "DiffWin.h"
+#include "DragItem.h"
+#include "FileTypes1.h"
+#include "FolderItem.h"
+#include "Keyboard.h"
+#include "Label.h"
+#include "PlainFile.h"
+#include "Rectangle.h"
+#include "RtfReader.h"
+#include "Style.h"
+#include "TextArea.h"
+#include "Timer.h"
+#include "globals.h"
+
+#include <QFile>
+#include <QTextCursor>
+#include <QTextDocument>
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+using toolkit::BevelButton;
+using toolkit::DragItem;
+using toolkit::FolderItem;
+using toolkit::TextArea;
+
+namespace {
+
+// Kinds that are never read, by the upper-cased last field of a name.
+constexpr std::array<std::u16string_view, 8> kExcludedKinds{
+    u"PDF", u"PNG", u"JPEG", u"JPG", u"MOV", u"MP4", u"M4V", u"ZIP"};
+// A pane gives feedback for movies and archives, though it takes nothing from them.
+constexpr std::array<std::u16string_view, 6> kPaneQuietKinds{
+    u"PDF", u"PNG", u"JPEG", u"JPG", u"MP4", u"M4V"};
+
+template <size_t N> bool listed(const std::array<std::u16string_view, N>& kinds, const QString& ext)
+{
+    const std::u16string_view e(reinterpret_cast<const char16_t*>(ext.utf16()), size_t(ext.size()));
+    return std::find(kinds.begin(), kinds.end(), e) != kinds.end();
+}
+
+// The last dot-separated field of a name in upper case; a name without a dot is its own field.
+QString kindOf(const QString& name)
+{
+    return name.section(QLatin1Char('.'), -1).toUpper();
+}
+
+bool isStyledKind(const QString& ext)
+{
+    return ext == QLatin1String("RTF") || ext == QLatin1String("RTFD");
+}
+
+// Whether a drag of `item` over a target that is quiet for `kinds` gets its feedback.
+template <size_t N>
+bool draws(const DragItem& item, const std::array<std::u16string_view, N>& kinds)
+{
+    const FolderItem file = item.FolderItem();
+    if (file.isNull() || !file.Exists())
+        return false;
+    const QString ext = kindOf(file.Name());
+    if (listed(kinds, ext))
+        return false;
+    return isStyledKind(ext) || !file.IsFolder();
+}
+
+const QString kProgressCaption = QStringLiteral("読込み中（Escキーで中断可）");
+const QString kTextEncodingLabel = QStringLiteral("Text encoding:");
+
+} // namespace
+
+void DiffWin::setTextBox(FolderItem file, int index, TextArea* pane, BevelButton* title)
+{
+    if (file.Alias())
+        file = file.resolved();
+    if (file.isNull() || !file.Exists())
+        return;
+    const QString ext = kindOf(file.Name());
+    if (listed(kExcludedKinds, ext))
+        return;
+    if (isStyledKind(ext))
+        readStyled(file, index, pane, ext);
+    else if (file.IsFolder())
+        return;
+    else
+        readPlain(file, index, pane, title);
+    MakeTitlePopup(title, file);
+    txtBox[index]->setVerticalScrollPosition(0);
+    dirty = true;
+    Timer1->setMode(0);
+    Timer2->setMode(1);
+}
+
+void DiffWin::readStyled(const FolderItem& file, int index, TextArea* pane, const QString& ext)
+{
+    pane->setText(QString());
+    QTextDocument* doc = pane->StyledText();
+    documents::readRichTextFile(file.NativePath(), *doc);
+    // A file read is not an edit to undo.
+    doc->clearUndoRedoStacks();
+    SameFilm->setVisible(txtBox[0]->StyledText() == txtBox[1]->StyledText());
+    TELabel[index]->setText(QStringLiteral("RichText(") + ext + QLatin1Char(')'));
+    TEBMenu[index]->setVisible(false);
+}
+
+void DiffWin::readPlain(const FolderItem& file, int index, TextArea* pane, BevelButton* title)
+{
+    documents::PlainFile stream(QFile::encodeName(file.NativePath()).toStdString());
+    if (!stream.isOpen())
+        return;
+    std::string text;
+    // Room for the whole file at once, rather than growing by doubling: half the memory on a
+    // large file. A file that reports no size grows as it is read.
+    text.reserve(std::size_t(std::min<std::uint64_t>(stream.sizeAtOpen(), text.max_size())));
+    title->setCaption(kProgressCaption);
+    title->repaint();
+    // A tap of Esc before this read began is not meant for it; a key held down still counts.
+    toolkit::Keyboard::AsyncKeyDown(toolkit::Keyboard::kEscape);
+    std::array<char, 1024> chunk;
+    for (;;) {
+        if (stream.atEnd())
+            break;
+        text.append(chunk.data(), stream.read(chunk.data(), chunk.size()));
+        QCoreApplication::processEvents();
+        if (toolkit::Keyboard::AsyncKeyDown(toolkit::Keyboard::kEscape)
+            || toolkit::Application::quitting())
+            break;
+    }
+    // A file that fails part way is left unread, as one that can't be opened.
+    if (!stream.error().empty())
+        return;
+    pane->setTextFont(QStringLiteral("System"));
+    pane->setTextSize(0);
+    textClone[index] = std::move(text);
+    if (TEBMenu[index]->isHidden())
+        initTEMenu(index);
+    setTxEnc(index);
+}
+
+void DiffWin::setTxEnc(int index)
+{
+    const std::string& bytes = textClone[index];
+    const documents::TextEncoding encoding = TE[size_t(encodingMode[index])];
+    // Decoded straight into the string the pane takes: one copy of a large text less.
+    QString text(qsizetype(documents::maxDecodedLength(encoding, bytes.size())), Qt::Uninitialized);
+    text.resize(
+        qsizetype(documents::decode(encoding, bytes, reinterpret_cast<char16_t*>(text.data()))));
+    txtBox[index]->setText(text);
+    txtBox[index]->setTextFont(QStringLiteral("System"));
+    SameFilm->setVisible(
+        txtBox[0]->document()->characterCount() == txtBox[1]->document()->characterCount()
+        && txtBox[0]->Text() == txtBox[1]->Text());
+}
+
+void DiffWin::initTEMenu(int index)
+{
+    TELabel[index]->setText(kTextEncodingLabel);
+    TEBMenu[index]->setVisible(true);
+    TEBMenu[index]->setMenuValue(0);
+    TEBMenu[index]->setCaption(TEBMenu[index]->List(0));
+    encodingMode[index] = 0;
+}
+
+void DiffWin::TEBMenu_Open(int index)
+{
+    // The rows are the same in both languages, in the same order: only the words differ.
+    const QString list = globals::isJapanese
+        ? QStringLiteral("UTF-8,日本語 ShiftJIS,日本語 MacOS,日本語 EUC,")
+            + QStringLiteral("日本語 ShiftJIS-X0212")
+        : QStringLiteral("UTF-8,ShiftJIS,Japanese MacOS,Japanese EUC,")
+            + QStringLiteral("ShiftJIS-X0212");
+    BevelButton* me = TEBMenu[index];
+    for (const QString& row : list.split(QLatin1Char(',')))
+        me->AddRow(row);
+    me->setMenuValue(0);
+    me->setCaption(me->List(0));
+}
+
+void DiffWin::TEBMenu_Action(int index)
+{
+    BevelButton* me = TEBMenu[index];
+    me->setCaption(me->List(me->MenuValue()));
+    encodingMode[index] = me->MenuValue();
+    setTxEnc(index);
+}
+
+void DiffWin::MakeTitlePopup(BevelButton* button, const FolderItem& file)
+{
+    button->DeleteAllRows();
+    button->setCaption(file.DisplayName());
+    for (FolderItem item = file; !item.isNull(); item = item.Parent())
+        button->AddRow(item.DisplayName());
+    button->RemoveRow(0);
+    button->setMenuValue(-1);
+}
+
+void DiffWin::titleBox_Action(int index)
+{
+    titleBox[index]->setMenuValue(-1);
+}
+
+void DiffWin::ClearButton_Action()
+{
+    ClearBoxes();
+}
+
+void DiffWin::ClearBoxes()
+{
+    for (int index = 0; index < 2; ++index) {
+        txtBox[index]->setText(QString());
+        titleBox[index]->DeleteAllRows();
+        initTEMenu(index);
+    }
+    titleBox[0]->setCaption(globals::kBoxLeft());
+    titleBox[1]->setCaption(globals::kBoxRight());
+}
+
+void DiffWin::WinBack_Open()
+{
+    WinBack->AcceptFileDrop(FileTypes1::text() + FileTypes1::Rtf() + FileTypes1::Rtfd());
+}
+
+bool DiffWin::WinBack_DragEnter(DragItem& obj)
+{
+    if (!draws(obj, kExcludedKinds))
+        return false;
+    txtBack[0]->setVisible(true);
+    if (obj.NextItem())
+        txtBack[1]->setVisible(true);
+    toolkit::setTooltip(WinBack, globals::kDropHTag());
+    return false;
+}
+
+void DiffWin::WinBack_DragExit()
+{
+    txtBack[0]->setVisible(false);
+    txtBack[1]->setVisible(false);
+    toolkit::setTooltip(WinBack, QString());
+}
+
+void DiffWin::WinBack_DropObject(DragItem& obj)
+{
+    respondDrop(obj, 0);
+    txtBack[0]->setVisible(false);
+    txtBack[1]->setVisible(false);
+    toolkit::setTooltip(WinBack, QString());
+}
+
+bool DiffWin::txtBox_DragEnter(int index, DragItem& obj)
+{
+    if (!draws(obj, kPaneQuietKinds))
+        return false;
+    txtBack[index]->setVisible(true);
+    toolkit::setTooltip(txtBox[index], globals::kDropHTag());
+    return false;
+}
+
+void DiffWin::txtBox_DragExit(int index)
+{
+    txtBack[index]->setVisible(false);
+    toolkit::setTooltip(txtBox[index], QString());
+}
+
+void DiffWin::txtBox_DropObject(int index, DragItem& obj)
+{
+    txtBack[index]->setVisible(false);
+    respondDrop(obj, index);
+    toolkit::setTooltip(txtBox[index], QString());
+}
+
+void DiffWin::respondDrop(DragItem& obj, int index)
+{
+    if (obj.FolderItemAvailable()) {
+        setTextBox(obj.FolderItem(), index, txtBox[index], titleBox[index]);
+        if (obj.NextItem())
+            setTextBox(obj.FolderItem(), 1 - index, txtBox[1 - index], titleBox[1 - index]);
+    }
+    onlyFirst = true;
+}
