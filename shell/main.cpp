@@ -2,22 +2,30 @@
 
 #include "App.h"
 #include "DiffWin.h"
+#include "DocumentChannel.h"
 #include "FileTypes1.h"
 #include "MenuBar1.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QFileInfo>
+#include <QSocketNotifier>
+#include <QTimer>
 
+#include <csignal>
 #include <cstdio>
+#include <fcntl.h>
 #include <memory>
+#include <optional>
+#include <unistd.h>
 
 namespace {
 
 // --help and --version are answered before any window system is touched, so they work on a
-// console without a display.
-void answerOptions(int argc, char** argv)
+// console without a display. The files come back absolute, against the folder of this launch,
+// since a running Twinly may have been started anywhere.
+QStringList documentsFromCommandLine(const QCoreApplication& console)
 {
-    QCoreApplication console(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("twinly"));
     QCoreApplication::setApplicationVersion(QStringLiteral(TWINLY_VERSION));
     QCommandLineParser parser;
@@ -25,19 +33,90 @@ void answerOptions(int argc, char** argv)
     parser.addHelpOption();
     parser.addVersionOption();
     parser.addPositionalArgument(QStringLiteral("files"),
-        QStringLiteral("Files to compare: left, then right."), QStringLiteral("[LEFT [RIGHT]]"));
+        QStringLiteral("Files to compare: left, then right. With Twinly already running, they go "
+                       "to its window."),
+        QStringLiteral("[LEFT [RIGHT]]"));
     parser.process(console);
-    if (!parser.positionalArguments().isEmpty())
-        std::fputs("twinly: opening files from the command line is not available in this version; "
-                   "drop them on the window instead.\n",
+    QStringList paths;
+    for (const QString& argument : parser.positionalArguments()) {
+        if (argument.isEmpty())
+            std::fputs("twinly: an empty file name is ignored.\n", stderr);
+        else
+            paths << QFileInfo(argument).absoluteFilePath();
+    }
+    return paths;
+}
+
+// The exit code when a running Twinly took the documents; nothing when this launch is to become
+// the running one.
+std::optional<int> handOver(DocumentChannel& channel, const QStringList& paths)
+{
+    switch (channel.forward(paths)) {
+    case DocumentChannel::Handover::Delivered:
+        return 0;
+    case DocumentChannel::Handover::Unanswered:
+        std::fputs("twinly: the running Twinly did not answer in time; it may still open the "
+                   "files when it does.\n",
             stderr);
+        return 1;
+    case DocumentChannel::Handover::NoInstance:
+        break;
+    }
+    return std::nullopt;
+}
+
+// A terminating signal quits like the Quit command, so that the socket goes with the program. The
+// handler may do little more than write to a pipe, which it can only find in a global.
+int signalPipe[2] = {-1, -1};
+
+void onSignal(int)
+{
+    const char byte = 0;
+    [[maybe_unused]] const ssize_t written = ::write(signalPipe[1], &byte, 1);
+}
+
+void quitOnSignals(QObject* parent)
+{
+    if (::pipe2(signalPipe, O_CLOEXEC | O_NONBLOCK) != 0)
+        return;
+    auto* notifier = new QSocketNotifier(signalPipe[0], QSocketNotifier::Read, parent);
+    QObject::connect(notifier, &QSocketNotifier::activated, [] {
+        char bytes[16];
+        while (::read(signalPipe[0], bytes, sizeof bytes) > 0) { }
+        toolkit::Application::Quit(0);
+    });
+    struct sigaction action = {};
+    action.sa_handler = onSignal;
+    sigemptyset(&action.sa_mask);
+    action.sa_flags = SA_RESTART;
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP})
+        ::sigaction(signal, &action, nullptr);
+}
+
+// Documents from a later launch: the window comes to the front and takes them.
+void openForwarded(const QStringList& paths)
+{
+    if (toolkit::Application::quitting())
+        return;
+    auto& win = toolkit::implicitInstance<DiffWin>();
+    win.setWindowState(win.windowState() & ~Qt::WindowMinimized);
+    win.Show();
+    App::instance().openDocuments(paths);
 }
 
 } // namespace
 
 int main(int argc, char** argv)
 {
-    answerOptions(argc, argv);
+    QStringList paths;
+    std::unique_ptr<DocumentChannel> channel;
+    {
+        QCoreApplication console(argc, argv);
+        paths = documentsFromCommandLine(console);
+        channel = std::make_unique<DocumentChannel>(DocumentChannel::sessionServerName());
+        if (const std::optional<int> code = handOver(*channel, paths))
+            return *code;
+    }
 
     pAllFileTypes();
     auto app = std::make_unique<App>(argc, argv);
@@ -45,8 +124,20 @@ int main(int argc, char** argv)
         return 0;
 
     toolkit::implicitInstance<DiffWin>().Show();
+    // Listening only now: a document can't arrive before the window has opened.
+    if (channel->listen())
+        QObject::connect(
+            channel.get(), &DocumentChannel::documentsReceived, app.get(), &openForwarded);
+    else
+        std::fprintf(stderr, "twinly: later launches will open a window of their own (%s).\n",
+            qPrintable(channel->errorString()));
+    quitOnSignals(app.get());
+    // After the window's first paint is queued, so it is on screen while the files are read.
+    if (!paths.isEmpty())
+        QTimer::singleShot(0, app.get(), [paths] { App::instance().openDocuments(paths); });
     const int code = App::exec();
 
+    channel.reset();
     toolkit::Application::deleteWindows();
     delete &MenuBar1::instance();
     return code;

@@ -3,11 +3,16 @@
 #include "HelpWindow.h"
 #include "globals.h"
 
+#include <QDir>
+#include <QElapsedTimer>
 #include <QMessageBox>
 #include <QProcess>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 #include <QTranslator>
+
+#include <memory>
 
 namespace {
 int argc = 1;
@@ -22,6 +27,8 @@ private slots:
     void consoleOptions_data();
     void consoleOptions();
     void languageFollowsTheCatalogue();
+    void secondLaunchHandsOver_data();
+    void secondLaunchHandsOver();
     void closingTheComparisonWindowQuits();
     void failedSelfTestStops();
 };
@@ -52,6 +59,8 @@ void TstStartup::consoleOptions()
     env.remove("DISPLAY");
     env.remove("WAYLAND_DISPLAY");
     env.remove("QT_QPA_PLATFORM");
+    QTemporaryDir runtime;
+    env.insert("XDG_RUNTIME_DIR", runtime.path());
     p.setProcessEnvironment(env);
     p.start(QStringLiteral(TWINLY_BINARY), arguments);
     QVERIFY(p.waitForFinished(20000));
@@ -61,6 +70,62 @@ void TstStartup::consoleOptions()
         QString::fromUtf8(p.readAllStandardOutput()).contains(stdoutHas), qPrintable(stdoutHas));
     QVERIFY2(
         QString::fromUtf8(p.readAllStandardError()).contains(stderrHas), qPrintable(stderrHas));
+    // Neither answering nor refusing an option looks for a running Twinly.
+    QVERIFY(QDir(runtime.path())
+                .isEmpty(QDir::AllEntries | QDir::System | QDir::Hidden | QDir::NoDotAndDotDot));
+}
+
+void TstStartup::secondLaunchHandsOver_data()
+{
+    QTest::addColumn<QStringList>("first");
+    QTest::addColumn<QStringList>("second");
+    QTest::newRow("files") << QStringList() << QStringList{"a.txt", "b.txt", "c.txt"};
+    QTest::newRow("no files, first with files") << QStringList{"a.txt", "b.txt"} << QStringList();
+}
+
+void TstStartup::secondLaunchHandsOver()
+{
+    QFETCH(QStringList, first);
+    QFETCH(QStringList, second);
+    // A session of its own: a private runtime folder, offscreen.
+    QTemporaryDir runtime;
+    QFile::setPermissions(runtime.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert("XDG_RUNTIME_DIR", runtime.path());
+    env.insert("QT_QPA_PLATFORM", "offscreen");
+    const auto launch = [&](const QStringList& arguments) {
+        auto p = std::make_unique<QProcess>();
+        p->setProcessEnvironment(env);
+        p->setWorkingDirectory(runtime.path());
+        p->start(QStringLiteral(TWINLY_BINARY), arguments);
+        return p;
+    };
+    const auto listening = [&] {
+        return !QDir(runtime.path()).entryList({"twinly-*.socket"}, QDir::System).isEmpty();
+    };
+    for (const char* name : {"a.txt", "b.txt", "c.txt"}) {
+        QFile file(runtime.filePath(name));
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write("text\n") == 5);
+    }
+    const auto running = launch(first);
+    QTRY_VERIFY_WITH_TIMEOUT(listening(), 20000);
+
+    QElapsedTimer clock;
+    clock.start();
+    const auto later = launch(second);
+    QVERIFY(later->waitForFinished(10000));
+    QCOMPARE(later->exitStatus(), QProcess::NormalExit);
+    QCOMPARE(later->exitCode(), 0);
+    QCOMPARE(later->readAllStandardError(), QByteArray());
+    QCOMPARE_LT(clock.elapsed(), 5000);
+    QCOMPARE(running->state(), QProcess::Running);
+
+    // Terminated, it quits as by the menu and takes its socket along.
+    running->terminate();
+    QVERIFY(running->waitForFinished(10000));
+    QCOMPARE(running->exitStatus(), QProcess::NormalExit);
+    QCOMPARE(running->exitCode(), 0);
+    QVERIFY(!listening());
 }
 
 void TstStartup::languageFollowsTheCatalogue()
