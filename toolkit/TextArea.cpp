@@ -64,6 +64,45 @@ TextArea::TextArea(QWidget* parent)
     layout->registerHandler(QTextFormat::ImageObject, new PictureObject(this));
 }
 
+bool TextArea::setText(const QString& text, const std::function<bool()>& between)
+{
+    // Big enough that the slices cost nothing, small enough that events run several times a
+    // second while a document takes the lines in.
+    constexpr qsizetype kSlice = qsizetype(1) << 20;
+    // Slices end before a line break, so that a fill stopped early ends with a whole line, and
+    // never between the CR and the LF of one break, which would make two.
+    const auto cut = [&text](qsizetype from) {
+        qsizetype at = from < text.size() ? text.indexOf(u'\n', from) : -1;
+        if (at < 0)
+            return text.size();
+        return at > 0 && text.at(at - 1) == u'\r' ? at - 1 : at;
+    };
+    qsizetype end = text.size() <= kSlice ? text.size() : cut(kSlice);
+    setText(text.first(end));
+    if (end == text.size())
+        return true;
+    const quint64 fill = fills;
+    const bool wasReadOnly = isReadOnly();
+    setReadOnly(true);
+    // A fill is not an edit to undo; switching undo off and on again also empties its stacks.
+    document()->setUndoRedoEnabled(false);
+    bool whole = false;
+    while (between() && fills == fill) {
+        if (end == text.size()) {
+            whole = true;
+            break;
+        }
+        const qsizetype next = cut(end + kSlice);
+        QTextCursor c(document());
+        c.movePosition(QTextCursor::End);
+        c.insertText(text.sliced(end, next - end));
+        end = next;
+    }
+    document()->setUndoRedoEnabled(true);
+    setReadOnly(wasReadOnly);
+    return whole;
+}
+
 void TextArea::setTextFont(const QString& name)
 {
     QFont f = font();

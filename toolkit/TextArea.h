@@ -30,7 +30,16 @@ public:
 
     QString Text() const { return toPlainText(); }
     // Raises TextChange, as typing does.
-    void setText(const QString& text) { setPlainText(text); }
+    void setText(const QString& text)
+    {
+        ++fills;
+        setPlainText(text);
+    }
+    // The same for a text that may be long: it goes in a slice of lines at a time, and between
+    // slices `between` runs; the fill stops, keeping what is in, when that answers false or when
+    // the pane has been given another text meanwhile. The pane takes no typing while it fills.
+    // True when the whole text went in.
+    bool setText(const QString& text, const std::function<bool()>& between);
 
     // The text with its styles, as a rich-text reader leaves it. Readers write into it inside
     // one edit block, so that the pane lays it out once.
@@ -95,6 +104,7 @@ private:
     const std::vector<int>& lineStarts() const;
 
     quint64 revision = 0;
+    quint64 fills = 0;
     // Kept between calls: the indicator asks for thousands of positions on each redraw.
     mutable std::vector<int> rows;
     mutable std::vector<int> starts;

@@ -68,6 +68,20 @@ bool draws(const DragItem& item, const std::array<std::u16string_view, N>& kinds
     return isStyledKind(ext) || !file.IsFolder();
 }
 
+// Between two pieces of a long read: events run, and Esc or quitting ends the read.
+bool keepReading()
+{
+    QCoreApplication::processEvents();
+    return !toolkit::Keyboard::AsyncKeyDown(toolkit::Keyboard::kEscape)
+        && !toolkit::Application::quitting();
+}
+
+// A tap of Esc before a read began is not meant for it; a key held down still counts.
+void forgetEarlierEsc()
+{
+    toolkit::Keyboard::AsyncKeyDown(toolkit::Keyboard::kEscape);
+}
+
 const QString kProgressCaption = QStringLiteral("読込み中（Escキーで中断可）");
 const QString kTextEncodingLabel = QStringLiteral("Text encoding:");
 
@@ -118,16 +132,13 @@ void DiffWin::readPlain(const FolderItem& file, int index, TextArea* pane, Bevel
     text.reserve(std::size_t(std::min<std::uint64_t>(stream.sizeAtOpen(), text.max_size())));
     title->setCaption(kProgressCaption);
     title->repaint();
-    // A tap of Esc before this read began is not meant for it; a key held down still counts.
-    toolkit::Keyboard::AsyncKeyDown(toolkit::Keyboard::kEscape);
+    forgetEarlierEsc();
     std::array<char, 1024> chunk;
     for (;;) {
         if (stream.atEnd())
             break;
         text.append(chunk.data(), stream.read(chunk.data(), chunk.size()));
-        QCoreApplication::processEvents();
-        if (toolkit::Keyboard::AsyncKeyDown(toolkit::Keyboard::kEscape)
-            || toolkit::Application::quitting())
+        if (!keepReading())
             break;
     }
     // A file that fails part way is left unread, as one that can't be opened.
@@ -149,7 +160,10 @@ void DiffWin::setTxEnc(int index)
     QString text(qsizetype(documents::maxDecodedLength(encoding, bytes.size())), Qt::Uninitialized);
     text.resize(
         qsizetype(documents::decode(encoding, bytes, reinterpret_cast<char16_t*>(text.data()))));
-    txtBox[index]->setText(text);
+    // A long text takes the pane seconds to lay in: events keep running meanwhile, and Esc
+    // keeps what is in so far.
+    forgetEarlierEsc();
+    txtBox[index]->setText(text, keepReading);
     txtBox[index]->setTextFont(QStringLiteral("System"));
     SameFilm->setVisible(
         txtBox[0]->document()->characterCount() == txtBox[1]->document()->characterCount()

@@ -45,6 +45,8 @@ private slots:
     void graphicsColoursAreExact_data();
     void graphicsColoursAreExact();
     void timerModes();
+    void longTextsFillInSlices_data();
+    void longTextsFillInSlices();
     void shortcutLiterals_data();
     void shortcutLiterals();
 };
@@ -365,6 +367,50 @@ void TstToolkit::shortcutLiterals()
     QVERIFY(keys.size() >= atLeast);
     if (atLeast > 0)
         QVERIFY(keys.contains(primary));
+}
+
+void TstToolkit::longTextsFillInSlices_data()
+{
+    QTest::addColumn<int>("stopAfter"); // slices let in before `between` says no; -1 never
+    QTest::addColumn<bool>("replaced"); // another text comes in during the fill
+    QTest::newRow("whole") << -1 << false;
+    QTest::newRow("stopped") << 2 << false;
+    QTest::newRow("replaced meanwhile") << 2 << true;
+}
+
+// A long text goes in whole unless stopped, then up to the end of a line; the pane is
+// read-only only while it fills, and nothing of the fill is left to undo.
+void TstToolkit::longTextsFillInSlices()
+{
+    QFETCH(int, stopAfter);
+    QFETCH(bool, replaced);
+    QStringList lines;
+    for (int i = 0; i < 200000; ++i)
+        lines << QStringLiteral("line %1 of a long text").arg(i);
+    // CR LF breaks: a slice that split one would make two lines of it.
+    const QString text = lines.join(QStringLiteral("\r\n"));
+    const QString shownWhole = lines.join(u'\n');
+    toolkit::TextArea pane;
+    int calls = 0;
+    bool readOnlyBetween = true;
+    const bool whole = pane.setText(text, [&] {
+        readOnlyBetween = readOnlyBetween && pane.isReadOnly();
+        if (++calls == stopAfter && replaced)
+            pane.setText(QStringLiteral("other"));
+        return calls != stopAfter;
+    });
+    QVERIFY(readOnlyBetween);
+    QVERIFY(calls > 1);
+    QVERIFY(!pane.isReadOnly());
+    QVERIFY(!pane.document()->isUndoAvailable());
+    QCOMPARE(whole, stopAfter < 0);
+    const QString shown = pane.Text();
+    if (replaced)
+        QCOMPARE(shown, QStringLiteral("other"));
+    else if (whole)
+        QCOMPARE(shown, shownWhole);
+    else
+        QVERIFY(shown.size() < text.size() && shownWhole.startsWith(shown + u'\n'));
 }
 
 QTEST_MAIN(TstToolkit)
