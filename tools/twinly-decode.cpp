@@ -4,6 +4,7 @@
 
 #include "PlainFile.h"
 #include "TextEncoding.h"
+#include "ToolOutput.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -21,25 +22,6 @@ namespace {
 constexpr int kTrouble = 2;
 constexpr int kRows = 5;
 constexpr std::string_view kUsage = "usage: twinly-decode ROW FILE (ROW 0 to 4) | --help\n";
-
-class Failure : public std::runtime_error
-{
-public:
-    using std::runtime_error::runtime_error;
-};
-
-bool writeAll(std::string_view text)
-{
-    while (!text.empty()) {
-        const ssize_t written = ::write(STDOUT_FILENO, text.data(), text.size());
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written <= 0)
-            return false;
-        text.remove_prefix(std::size_t(written));
-    }
-    return true;
-}
 
 void appendUtf8(std::string& out, char32_t c)
 {
@@ -74,8 +56,7 @@ void writeUtf8(std::u16string_view text)
         else
             appendUtf8(out, unit);
         if (out.size() >= kPiece * 3 || i == text.size()) {
-            if (!writeAll(out))
-                throw Failure(std::string("cannot write the output: ") + std::strerror(errno));
+            writeAll(out);
             out.clear();
         }
     }

@@ -4,6 +4,7 @@
 
 #include "PlainFile.h"
 #include "SeqDiff.h"
+#include "ToolOutput.h"
 #include "Utf8.h"
 
 #include <array>
@@ -22,13 +23,6 @@ namespace {
 
 constexpr int kTrouble = 2;
 constexpr std::string_view kUsage = "usage: twinly-seqdiff LEFT RIGHT | --self-test | --help\n";
-
-// A problem worth one line on stderr.
-class Failure : public std::runtime_error
-{
-public:
-    using std::runtime_error::runtime_error;
-};
 
 // A file's bytes and the text the comparison sees in them.
 struct Side
@@ -56,20 +50,6 @@ void appendNumber(std::string& out, std::int64_t value)
     out.append(digits.data(), end);
 }
 
-// Writes all of `text` to stdout in as few calls as the system allows.
-bool writeAll(std::string_view text)
-{
-    while (!text.empty()) {
-        const ssize_t written = ::write(STDOUT_FILENO, text.data(), text.size());
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written <= 0)
-            return false;
-        text.remove_prefix(std::size_t(written));
-    }
-    return true;
-}
-
 int compare(const char* leftPath, const char* rightPath)
 {
     std::array<Side, 2> sides;
@@ -90,8 +70,7 @@ int compare(const char* leftPath, const char* rightPath)
         appendNumber(out, d.AddedEnd());
         out += '\n';
     }
-    if (!writeAll(out))
-        throw Failure(std::string("cannot write the output: ") + std::strerror(errno));
+    writeAll(out);
     return 0;
 }
 

@@ -1,40 +1,11 @@
+#include "ToolRun.h"
+
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
 
 #include <sys/stat.h>
 #include <unistd.h>
-
-namespace {
-
-struct Run
-{
-    int exitCode; // -1 when the tool crashed, or outlasted its time (the QProcess kills it)
-    QByteArray out, err;
-};
-
-// The program with `arguments`, fed `input` on stdin.
-Run run(const QString& program, const QStringList& arguments, const QByteArray& input = {})
-{
-    QProcess process;
-    process.start(program, arguments);
-    process.write(input);
-    process.closeWriteChannel();
-    const bool finished
-        = process.waitForFinished(10000) && process.exitStatus() == QProcess::NormalExit;
-    return {finished ? process.exitCode() : -1, process.readAllStandardOutput(),
-        process.readAllStandardError()};
-}
-
-QString write(const QString& name, const QByteArray& bytes)
-{
-    QFile file(name);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
-        qFatal("cannot write %s", qPrintable(name));
-    return name;
-}
-
-} // namespace
 
 class TestDecodeTool : public QObject
 {
@@ -54,10 +25,7 @@ void TestDecodeTool::initTestCase()
 {
     QVERIFY(dir.isValid() && QDir::setCurrent(dir.path()));
     QVERIFY(QFileInfo(QStringLiteral(TWINLY_DECODE_PATH)).isExecutable());
-    write("plain.txt", "a\n");
-    QVERIFY(QFile::setPermissions(write("locked.txt", "secret\n"), QFileDevice::Permissions()));
-    QVERIFY(QDir().mkdir("sub"));
-    QCOMPARE(::mkfifo("fifo", 0600), 0);
+    QVERIFY(makeTroublePaths());
 }
 
 void TestDecodeTool::eachRow_data()

@@ -1,3 +1,5 @@
+#include "ToolRun.h"
+
 #include <QProcess>
 #include <QRegularExpression>
 #include <QTemporaryDir>
@@ -8,28 +10,9 @@
 
 namespace {
 
-struct Run
-{
-    int exitCode; // -1 when the tool crashed, or outlasted its time (the QProcess kills it)
-    QByteArray out, err;
-};
-
 Run runTool(const QStringList& arguments, int timeoutMs = 60000)
 {
-    QProcess process;
-    process.start(QStringLiteral(TWINLY_SEQDIFF_PATH), arguments);
-    const bool finished
-        = process.waitForFinished(timeoutMs) && process.exitStatus() == QProcess::NormalExit;
-    return {finished ? process.exitCode() : -1, process.readAllStandardOutput(),
-        process.readAllStandardError()};
-}
-
-QString write(const QString& name, const QByteArray& bytes)
-{
-    QFile file(name);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
-        qFatal("cannot write %s", qPrintable(name));
-    return name;
+    return run(QStringLiteral(TWINLY_SEQDIFF_PATH), arguments, {}, timeoutMs);
 }
 
 } // namespace
@@ -53,10 +36,7 @@ void TestSeqDiffTool::initTestCase()
     // Tests and tool work in the test folder, so rows name its files as they are.
     QVERIFY(dir.isValid() && QDir::setCurrent(dir.path()));
     QVERIFY(QFileInfo(QStringLiteral(TWINLY_SEQDIFF_PATH)).isExecutable());
-    write("plain.txt", "a\n");
-    QVERIFY(QFile::setPermissions(write("locked.txt", "secret\n"), QFileDevice::Permissions()));
-    QVERIFY(QDir().mkdir("sub"));
-    QCOMPARE(::mkfifo("fifo", 0600), 0);
+    QVERIFY(makeTroublePaths());
 }
 
 void TestSeqDiffTool::rejects_data()
