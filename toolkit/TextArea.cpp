@@ -7,6 +7,7 @@
 #include <QPainter>
 #include <QScrollBar>
 #include <QTextBlock>
+#include <QTextLayout>
 #include <QTextObjectInterface>
 #include <QWheelEvent>
 
@@ -295,6 +296,39 @@ void TextArea::select(int start, int length)
     setTextCursor(c);
     v->setValue(line);
     h->setValue(column);
+}
+
+void TextArea::paintEvent(QPaintEvent* e)
+{
+    alignShownParagraphs();
+    QPlainTextEdit::paintEvent(e);
+}
+
+// The plain editor's layout puts every line at the left. Styled paragraphs that are centred or
+// set to the right have their shown lines moved across the pane's width before each paint; the
+// lines' own positions serve painting, the caret and clicks alike.
+void TextArea::alignShownParagraphs()
+{
+    const qreal margin = document()->documentMargin();
+    const qreal width = viewport()->width() - 2 * margin;
+    const qreal bottom = viewport()->height();
+    qreal top = contentOffset().y();
+    for (QTextBlock b = firstVisibleBlock(); b.isValid() && top <= bottom; b = b.next()) {
+        const qreal height = blockBoundingRect(b).height();
+        top += height;
+        const Qt::Alignment a = b.blockFormat().alignment() & Qt::AlignHorizontal_Mask;
+        const qreal share = a & Qt::AlignHCenter       ? 0.5
+            : a & (Qt::AlignRight | Qt::AlignTrailing) ? 1
+                                                       : 0;
+        QTextLayout* layout = b.layout();
+        if (share == 0 || !layout)
+            continue;
+        for (int i = 0; i < layout->lineCount(); ++i) {
+            QTextLine line = layout->lineAt(i);
+            const qreal free = std::max<qreal>(0, width - line.naturalTextWidth());
+            line.setPosition({margin + free * share, line.position().y()});
+        }
+    }
 }
 
 void TextArea::wheelEvent(QWheelEvent* e)

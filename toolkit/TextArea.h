@@ -92,6 +92,7 @@ signals:
     void TextChange();
 
 protected:
+    void paintEvent(QPaintEvent* e) override;
     void wheelEvent(QWheelEvent* e) override;
     void dragEnterEvent(QDragEnterEvent* e) override;
     void dragMoveEvent(QDragMoveEvent* e) override;
@@ -99,6 +100,7 @@ protected:
     void dropEvent(QDropEvent* e) override;
 
 private:
+    void alignShownParagraphs();
     std::vector<int> rowPositions(int first, int last) const;
     int positionAtRow(int row) const;
     const std::vector<int>& lineStarts() const;

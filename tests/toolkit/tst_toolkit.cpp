@@ -10,6 +10,8 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <QTextBlock>
+#include <QTextCursor>
+#include <QTextLayout>
 
 using toolkit::Locks;
 
@@ -45,6 +47,7 @@ private slots:
     void graphicsColoursAreExact_data();
     void graphicsColoursAreExact();
     void timerModes();
+    void styledParagraphsKeepTheirAlignment();
     void longTextsFillInSlices_data();
     void longTextsFillInSlices();
     void shortcutLiterals_data();
@@ -367,6 +370,32 @@ void TstToolkit::shortcutLiterals()
     QVERIFY(keys.size() >= atLeast);
     if (atLeast > 0)
         QVERIFY(keys.contains(primary));
+}
+
+// Centred and right-set paragraphs stand across the pane's width when it paints.
+void TstToolkit::styledParagraphsKeepTheirAlignment()
+{
+    toolkit::TextArea pane;
+    pane.resize(300, 120);
+    QTextCursor c(pane.document());
+    for (const Qt::Alignment a : {Qt::AlignLeft, Qt::AlignHCenter, Qt::AlignRight}) {
+        QTextBlockFormat f;
+        f.setAlignment(a);
+        if (a != Qt::AlignLeft)
+            c.insertBlock();
+        c.setBlockFormat(f);
+        c.insertText(QStringLiteral("short"));
+    }
+    pane.grab();
+    const qreal margin = pane.document()->documentMargin();
+    const qreal width = pane.viewport()->width() - 2 * margin;
+    const QList<qreal> shares{0, 0.5, 1};
+    for (int i = 0; i < 3; ++i) {
+        const QTextLine line = pane.document()->findBlockByNumber(i).layout()->lineAt(0);
+        // Line positions are kept in 64ths of a pixel.
+        const qreal expected = margin + (width - line.naturalTextWidth()) * shares[i];
+        QVERIFY2(qAbs(line.x() - expected) < 0.05, qPrintable(QString::number(i)));
+    }
 }
 
 void TstToolkit::longTextsFillInSlices_data()
