@@ -118,6 +118,8 @@ private slots:
     void theTitleShowsTheFolders();
     void escStopsTheRead_data();
     void escStopsTheRead();
+    void aFileChangingWhileReadEnds_data();
+    void aFileChangingWhileReadEnds();
     void encodings();
     void styledTextHidesThePopupUntilAPlainFile();
     void clearAll();
@@ -279,6 +281,36 @@ void TstDocuments::escStopsTheRead()
     QCOMPARE(w->txtBox[0]->Text().size(), expected);
     QCOMPARE(caption, QStringLiteral("読込み中（Escキーで中断可）"));
     QCOMPARE(w->titleBox[0]->Caption(), QStringLiteral("big.txt"));
+}
+
+void TstDocuments::aFileChangingWhileReadEnds_data()
+{
+    QTest::addColumn<int>("newSize");
+    QTest::addColumn<int>("expected");
+    // Taken up to its size at opening, so a file being written to still ends.
+    QTest::newRow("grows") << 50000 << 5000;
+    QTest::newRow("shrinks") << 2000 << 2000;
+}
+
+void TstDocuments::aFileChangingWhileReadEnds()
+{
+    QFETCH(int, newSize);
+    QFETCH(int, expected);
+    Files files;
+    const QString path = files.write("changing.txt", QByteArray(5000, 'x'));
+    DiffWin* w = window();
+    QTimer between;
+    connect(&between, &QTimer::timeout, [&] {
+        between.stop();
+        QFile f(path);
+        if (newSize > 5000 && f.open(QIODevice::Append))
+            f.write(QByteArray(newSize - 5000, 'y'));
+        else
+            f.resize(newSize);
+    });
+    between.start(0);
+    load(w, path);
+    QCOMPARE(w->textClone[0], std::string(std::size_t(expected), 'x'));
 }
 
 // A pane's row decides how its bytes are read, for this file and the next; the same text in
