@@ -6,8 +6,6 @@
 #include <exception>
 #include <iterator>
 #include <unicode/ucnv.h>
-#include <unicode/ucnv_cb.h>
-#include <unicode/ucnv_err.h>
 
 namespace documents {
 
@@ -55,23 +53,7 @@ const Page* findPage(int number)
     return at != std::end(kPages) && at->number == number ? at : nullptr;
 }
 
-// ICU's stock substitute writes U+001A for some converters; we want U+FFFD everywhere.
-void writeReplacement(const void*, UConverterToUnicodeArgs* args, const char*, int32_t,
-    UConverterCallbackReason reason, UErrorCode* error)
-{
-    if (reason != UCNV_UNASSIGNED && reason != UCNV_ILLEGAL && reason != UCNV_IRREGULAR)
-        return;
-    static const UChar replacement = 0xFFFD;
-    *error = U_ZERO_ERROR;
-    ucnv_cbToUWriteUChars(args, &replacement, 1, 0, error);
-}
-
 } // namespace
-
-void CodePages::Close::operator()(UConverter* converter) const
-{
-    ucnv_close(converter);
-}
 
 CodePages::CodePages() = default;
 CodePages::~CodePages() = default;
@@ -108,12 +90,11 @@ UConverter* CodePages::converter(int codePage)
     const Page* page = findPage(codePage);
     if (!page || !page->icuName)
         page = findPage(kWestern);
-    UErrorCode error = U_ZERO_ERROR;
-    std::unique_ptr<UConverter, Close> opened(ucnv_open(page->icuName, &error));
-    if (U_FAILURE(error))
-        opened.reset();
-    if (opened) {
-        ucnv_setToUCallBack(opened.get(), writeReplacement, nullptr, nullptr, nullptr, &error);
+    IcuConverter opened;
+    try {
+        opened = openIcuConverter(page->icuName);
+    } catch (const std::exception&) {
+        // Kept as missing, so the text shows as undecodable rather than failing the file.
     }
     UConverter* result = opened.get();
     converters.emplace(codePage, std::move(opened));
@@ -143,12 +124,12 @@ QString CodePages::decode(int codePage, std::string_view bytes)
     ucnv_resetToUnicode(conv);
     // No converter we use makes more than two UTF-16 units of one byte.
     QString text(qsizetype(bytes.size()) * 2 + 1, Qt::Uninitialized);
-    UChar* target = reinterpret_cast<UChar*>(text.data());
-    UChar* const targetEnd = target + text.size();
-    const char* source = bytes.data();
-    UErrorCode error = U_ZERO_ERROR;
-    ucnv_toUnicode(conv, &target, targetEnd, &source, source + bytes.size(), nullptr, true, &error);
-    text.truncate(target - reinterpret_cast<UChar*>(text.data()));
+    try {
+        text.truncate(qsizetype(decodeWithIcu(
+            conv, bytes, reinterpret_cast<char16_t*>(text.data()), std::size_t(text.size()))));
+    } catch (const std::exception&) {
+        return QString(qsizetype(bytes.size()), QChar::ReplacementCharacter);
+    }
     return text;
 }
 

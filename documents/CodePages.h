@@ -1,12 +1,12 @@
 #pragma once
 
+#include "TextEncoding.h"
+
 #include <QString>
 
 #include <map>
 #include <memory>
 #include <string_view>
-
-struct UConverter;
 
 namespace documents {
 
@@ -32,13 +32,9 @@ public:
     static int ofCharset(int charset, int documentCodePage);
 
 private:
-    struct Close
-    {
-        void operator()(UConverter* converter) const;
-    };
     UConverter* converter(int codePage);
 
-    std::map<int, std::unique_ptr<UConverter, Close>> converters;
+    std::map<int, IcuConverter> converters;
 };
 
 } // namespace documents

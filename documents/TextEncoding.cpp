@@ -135,24 +135,6 @@ void writeReplacement(const void*, UConverterToUnicodeArgs* args, const char*, i
     ucnv_cbToUWriteUChars(args, &kReplacement, 1, 0, error);
 }
 
-struct CloseConverter
-{
-    void operator()(UConverter* converter) const { ucnv_close(converter); }
-};
-using Converter = std::unique_ptr<UConverter, CloseConverter>;
-
-Converter openConverter(const char* name)
-{
-    UErrorCode error = U_ZERO_ERROR;
-    Converter converter(ucnv_open(name, &error));
-    if (U_SUCCESS(error))
-        ucnv_setToUCallBack(converter.get(), writeReplacement, nullptr, nullptr, nullptr, &error);
-    if (U_FAILURE(error))
-        throw std::runtime_error(
-            std::string("no text converter for ") + name + ": " + u_errorName(error));
-    return converter;
-}
-
 // ICU takes at most 2 GB of bytes and 1 G units per call.
 constexpr std::size_t kMaxBytesPerCall = std::size_t(1) << 30;
 constexpr std::size_t kMaxUnitsPerCall = 0x3FFFFFFF;
@@ -180,13 +162,10 @@ char16_t* convert(UConverter* converter, const char* from, const char* to, char1
     }
 }
 
-std::size_t decodeWithIcu(
+std::size_t decodeNamed(
     const char* name, std::string_view bytes, char16_t* out, std::size_t capacity)
 {
-    const Converter converter = openConverter(name);
-    const char* begin = bytes.data();
-    const char* end = begin + bytes.size();
-    return std::size_t(convert(converter.get(), begin, end, out, out + capacity, true) - out);
+    return decodeWithIcu(openIcuConverter(name).get(), bytes, out, capacity);
 }
 
 // ICU's ISO-2022-JP takes a line break after a lead byte into the bad pair, and so loses the
@@ -194,7 +173,7 @@ std::size_t decodeWithIcu(
 // is ended as bad before the break is read.
 std::size_t decodeIso2022Jp(std::string_view bytes, char16_t* out, std::size_t capacity)
 {
-    const Converter converter = openConverter("ISO-2022-JP");
+    const IcuConverter converter = openIcuConverter("ISO-2022-JP");
     const char* from = bytes.data();
     const char* end = from + bytes.size();
     char16_t* o = out;
@@ -224,6 +203,31 @@ void unswapControls(char16_t* text, std::size_t length)
 }
 
 } // namespace
+
+void CloseConverter::operator()(UConverter* converter) const
+{
+    ucnv_close(converter);
+}
+
+IcuConverter openIcuConverter(const char* name)
+{
+    UErrorCode error = U_ZERO_ERROR;
+    IcuConverter converter(ucnv_open(name, &error));
+    if (U_SUCCESS(error))
+        ucnv_setToUCallBack(converter.get(), writeReplacement, nullptr, nullptr, nullptr, &error);
+    if (U_FAILURE(error))
+        throw std::runtime_error(
+            std::string("no text converter for ") + name + ": " + u_errorName(error));
+    return converter;
+}
+
+std::size_t decodeWithIcu(
+    UConverter* converter, std::string_view bytes, char16_t* out, std::size_t capacity)
+{
+    const char* begin = bytes.data();
+    const char* end = begin + bytes.size();
+    return std::size_t(convert(converter, begin, end, out, out + capacity, true) - out);
+}
 
 std::size_t maxDecodedLength(TextEncoding encoding, std::size_t byteCount)
 {
@@ -258,16 +262,16 @@ std::size_t decode(TextEncoding encoding, std::string_view bytes, char16_t* out)
     case TextEncoding::ShiftJISX0212:
         return decodeJis0212Pairs(bytes, out);
     case TextEncoding::EUCJP:
-        return decodeWithIcu("EUC-JP", bytes, out, capacity);
+        return decodeNamed("EUC-JP", bytes, out, capacity);
     case TextEncoding::ISO2022JP:
         return decodeIso2022Jp(bytes, out, capacity);
     case TextEncoding::ASCII:
-        return decodeWithIcu("US-ASCII", bytes, out, capacity);
+        return decodeNamed("US-ASCII", bytes, out, capacity);
     case TextEncoding::ShiftJIS:
     case TextEncoding::DOSJapanese:
         break;
     }
-    const std::size_t length = decodeWithIcu("windows-31j", bytes, out, capacity);
+    const std::size_t length = decodeNamed("windows-31j", bytes, out, capacity);
     unswapControls(out, length);
     return length;
 }

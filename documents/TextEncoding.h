@@ -2,8 +2,11 @@
 
 #include <array>
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <string_view>
+
+struct UConverter;
 
 namespace documents {
 
@@ -36,5 +39,18 @@ std::size_t maxDecodedLength(TextEncoding encoding, std::size_t byteCount);
 // U+FEFF. Throws std::runtime_error if ICU lacks a converter (a broken installation).
 std::size_t decode(TextEncoding encoding, std::string_view bytes, char16_t* out);
 std::u16string decode(TextEncoding encoding, std::string_view bytes);
+
+// An ICU converter by name that writes one U+FFFD for each sequence it can't read, for other
+// readers of text in other encodings. Throws std::runtime_error if ICU lacks it.
+struct CloseConverter
+{
+    void operator()(UConverter* converter) const;
+};
+using IcuConverter = std::unique_ptr<UConverter, CloseConverter>;
+IcuConverter openIcuConverter(const char* name);
+// Decodes the whole of `bytes` with `converter` into `out`, which has room for `capacity`
+// units, and returns how many it wrote.
+std::size_t decodeWithIcu(
+    UConverter* converter, std::string_view bytes, char16_t* out, std::size_t capacity);
 
 } // namespace documents
