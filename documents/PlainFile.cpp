@@ -144,11 +144,16 @@ bool PlainFile::grew()
     return got > 0;
 }
 
-std::optional<FileBytes> readWholeFile(const std::string& path, std::string& error)
+std::optional<FileBytes> readWholeFile(
+    const std::string& path, std::string& error, std::uint64_t maxSize)
 {
     PlainFile file(path);
     if (!file.isOpen()) {
         error = file.error();
+        return std::nullopt;
+    }
+    if (file.sizeAtOpen() > maxSize) {
+        error = quoted(path) + " has more than " + std::to_string(maxSize) + " bytes";
         return std::nullopt;
     }
     FileBytes bytes;
@@ -172,6 +177,10 @@ std::optional<FileBytes> readWholeFile(const std::string& path, std::string& err
     }
     if (!file.error().empty()) {
         error = file.error();
+        return std::nullopt;
+    }
+    if (bytes.size > maxSize) {
+        error = quoted(path) + " has more than " + std::to_string(maxSize) + " bytes";
         return std::nullopt;
     }
     if (file.grew()) {

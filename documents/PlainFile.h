@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -59,8 +60,9 @@ struct FileBytes
     std::string_view view() const { return {data.get(), size}; }
 };
 
-// Reads a regular file whole; nothing and a one-line reason in `error` when it can't, or when
-// the file grew while it was read.
-std::optional<FileBytes> readWholeFile(const std::string& path, std::string& error);
+// Reads a regular file whole; nothing and a one-line reason in `error` when it can't, when the
+// file grew while it was read, or when it has more than `maxSize` bytes.
+std::optional<FileBytes> readWholeFile(const std::string& path, std::string& error,
+    std::uint64_t maxSize = std::numeric_limits<std::uint64_t>::max());
 
 } // namespace documents

@@ -1,7 +1,5 @@
 #include "RtfPictures.h"
 
-#include "PlainFile.h"
-
 #include <QBuffer>
 #include <QFile>
 #include <QFileInfo>
@@ -26,8 +24,7 @@ QImage decodePicture(const QByteArray& bytes, qint64 maxPixels)
     return image;
 }
 
-std::optional<QByteArray> readAttachment(
-    const QString& folder, const QString& name, qint64 maxBytes)
+std::optional<FileBytes> readAttachment(const QString& folder, const QString& name, qint64 maxBytes)
 {
     if (folder.isEmpty() || name.isEmpty() || name.startsWith(u'/') || name.contains(QChar(0)))
         return std::nullopt;
@@ -40,17 +37,8 @@ std::optional<QByteArray> readAttachment(
     if (root.isEmpty() || target.isEmpty() || !target.startsWith(root + u'/'))
         return std::nullopt;
 
-    PlainFile file(QFile::encodeName(target).toStdString());
-    if (!file.isOpen() || qint64(file.sizeAtOpen()) > maxBytes)
-        return std::nullopt;
-    QByteArray bytes(qsizetype(file.sizeAtOpen()), Qt::Uninitialized);
-    qsizetype taken = 0;
-    while (taken < bytes.size() && !file.atEnd())
-        taken += qsizetype(file.read(bytes.data() + taken, std::size_t(bytes.size() - taken)));
-    if (!file.error().empty())
-        return std::nullopt;
-    bytes.truncate(taken);
-    return bytes;
+    std::string error;
+    return readWholeFile(QFile::encodeName(target).toStdString(), error, std::uint64_t(maxBytes));
 }
 
 } // namespace documents

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "PlainFile.h"
+
 #include <QByteArray>
 #include <QImage>
 #include <QString>
@@ -15,7 +17,7 @@ QImage decodePicture(const QByteArray& bytes, qint64 maxPixels);
 // The bytes of the attachment `name` in the package `folder`. Nothing when the name is absolute,
 // climbs with "..", or leads outside the folder through a link, when it names anything but a
 // regular file, or when the file has more than `maxBytes`.
-std::optional<QByteArray> readAttachment(
+std::optional<FileBytes> readAttachment(
     const QString& folder, const QString& name, qint64 maxBytes);
 
 } // namespace documents

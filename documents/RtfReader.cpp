@@ -969,7 +969,9 @@ void Reader::endAttachment()
         const auto data
             = pixelsLeft > 0 ? readAttachment(packageFolder, name, kMaxPictureBytes) : std::nullopt;
         if (data) {
-            const QImage image = decodePicture(*data, std::min(kMaxPicturePixels, pixelsLeft));
+            const QImage image
+                = decodePicture(QByteArray::fromRawData(data->data.get(), qsizetype(data->size)),
+                    std::min(kMaxPicturePixels, pixelsLeft));
             if (!image.isNull())
                 loaded = {addImage(image), image.size()};
         }
