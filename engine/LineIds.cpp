@@ -1,4 +1,5 @@
 #include "LineIds.h"
+#include "LineSource.h"
 
 #include <algorithm>
 #include <cstring>
@@ -130,6 +131,11 @@ std::array<LineIds, 2> intern(std::span<const View> a, std::span<const View> b)
 }
 
 } // namespace
+
+std::uint64_t lineHash(std::u16string_view line)
+{
+    return hashBytes(line.data(), line.size() * sizeof(line[0]));
+}
 
 std::array<LineIds, 2> internLines(
     std::span<const std::u16string_view> a, std::span<const std::u16string_view> b)

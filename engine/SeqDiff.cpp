@@ -27,6 +27,25 @@ std::vector<Difference> FindDifferences(
     return diffOf(a, b).Calculate();
 }
 
+std::vector<Difference> FindDifferences(
+    const LineSource& a, const LineSource& b, std::stop_token stop)
+{
+    const auto views = [](const LineSource& s) {
+        std::vector<std::u16string_view> v(s.lineCount());
+        for (std::size_t i = 0; i < v.size(); ++i)
+            v[i] = s.line(i);
+        return v;
+    };
+    const std::vector<std::u16string_view> av = views(a);
+    const std::vector<std::u16string_view> bv = views(b);
+    if (stop.stop_requested())
+        throw Cancelled();
+    std::vector<Difference> result = FindDifferences(av, bv);
+    if (stop.stop_requested())
+        throw Cancelled();
+    return result;
+}
+
 void runDiff(std::span<const std::string_view> a, std::span<const std::string_view> b,
     std::span<const Difference> expected)
 {

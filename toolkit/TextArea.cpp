@@ -184,6 +184,13 @@ TextLines TextArea::lineTexts() const
     return t;
 }
 
+std::shared_ptr<const TextSnapshot> TextArea::snapshot() const
+{
+    TextLines t = lineTexts();
+    // The views stay valid: moving a QString keeps its buffer.
+    return std::make_shared<const TextSnapshot>(std::move(t.text), std::move(t.lines), revision);
+}
+
 int TextArea::LineCount() const
 {
     return document()->blockCount();

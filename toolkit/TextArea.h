@@ -3,11 +3,13 @@
 #include "DragItem.h"
 #include "FileType.h"
 #include "Geometry.h"
+#include "TextSnapshot.h"
 
 #include <QPlainTextEdit>
 
 #include <cmath>
 #include <functional>
+#include <memory>
 #include <string_view>
 #include <vector>
 
@@ -56,6 +58,8 @@ public:
     QStringList Lines() const;
     // The same lines without a copy of each, for comparing long texts.
     TextLines lineTexts() const;
+    // The lines as they stand now, for a comparison that may run on another thread.
+    std::shared_ptr<const TextSnapshot> snapshot() const;
     int LineCount() const;
     // Grows with every change of the text, so that work on an unchanged text can be kept.
     quint64 contentRevision() const { return revision; }

@@ -502,9 +502,7 @@ void DiffWin::compare()
     const std::array<quint64, 2> revisions{
         txtBox[0]->contentRevision(), txtBox[1]->contentRevision()};
     if (revisions != comparedRevisions) {
-        const toolkit::TextLines a = txtBox[0]->lineTexts();
-        const toolkit::TextLines b = txtBox[1]->lineTexts();
-        diffs = SeqDiff::FindDifferences(a.lines, b.lines);
+        diffs = SeqDiff::FindDifferences(*txtBox[0]->snapshot(), *txtBox[1]->snapshot());
         initTops();
         comparedRevisions = revisions;
     }
