@@ -28,7 +28,7 @@ struct Reduced
     std::vector<Index> countB; // per compact id, its lines in b
 };
 
-Reduced reduce(std::span<const LineId> a, std::span<const LineId> b)
+Reduced reduce(std::span<const LineId> a, std::span<const LineId> b, StopCheck& stop)
 {
     LineId top = 0;
     for (LineId id : a)
@@ -46,6 +46,7 @@ Reduced reduce(std::span<const LineId> a, std::span<const LineId> b)
     r.b.reserve(b.size() + 1);
     r.fromB.reserve(b.size());
     for (std::size_t j = 0; j < b.size(); ++j) {
+        stop();
         if (!inA[b[j]])
             continue;
         Index& c = compact[b[j]];
@@ -58,6 +59,7 @@ Reduced reduce(std::span<const LineId> a, std::span<const LineId> b)
         r.fromB.push_back(static_cast<Index>(j));
     }
     for (std::size_t i = 0; i < a.size(); ++i) {
+        stop();
         const Index c = compact[a[i]];
         if (c == kNone)
             continue;
@@ -94,7 +96,8 @@ struct Occurrences
 
 // ---- threshold table ---------------------------------------------------------------------
 
-std::vector<Index> byThreshold(std::span<const Index> a, std::span<const Index> b, Index ids)
+std::vector<Index> byThreshold(
+    std::span<const Index> a, std::span<const Index> b, Index ids, StopCheck& stop)
 {
     const Occurrences where(b, ids);
 
@@ -109,6 +112,7 @@ std::vector<Index> byThreshold(std::span<const Index> a, std::span<const Index> 
     for (std::size_t i = 0; i < a.size(); ++i) {
         const std::span<const Index> positions = where.of(a[i]);
         Index k = kNone;
+        stop(std::int64_t(positions.size()) + 1);
         for (auto p = positions.rbegin(); p != positions.rend(); ++p) {
             const Index j = *p;
             Index key;
@@ -174,11 +178,12 @@ class Waves
 public:
     // `a` and `b` are followed in memory by two different sentinels that match nothing, so that
     // a run of equal lines stops at the ends by itself.
-    Waves(const Index* a, Index n, const Index* b, Index m)
+    Waves(const Index* a, Index n, const Index* b, Index m, StopCheck& stop)
         : a(a)
         , b(b)
         , n(n)
         , m(m)
+        , stop(stop)
     {
     }
 
@@ -248,7 +253,7 @@ private:
     // D^(4/3) entries, and recomputing costs far less than the run itself.
     static Index spacing(Index d) { return std::max<Index>(8, Index(std::cbrt(double(d) * d))); }
 
-    void advance(const Wave* prev, Wave& out, std::uint64_t& work) const
+    void advance(const Wave* prev, Wave& out, std::uint64_t& work)
     {
         out.x.resize(std::size_t((out.hi - out.lo) / 2 + 1));
         Index* x = out.x.data();
@@ -271,19 +276,21 @@ private:
             *x = to;
         }
         work += out.x.size();
+        stop(std::int64_t(out.x.size()));
     }
 
     const Index* a;
     const Index* b;
     Index n, m;
+    StopCheck& stop;
     std::vector<Wave> checkpoints; // by ascending d
     std::vector<Wave> block; // a cone recomputed for the walk back
 };
 
 std::optional<std::vector<Index>> byGreedy(
-    std::span<const Index> a, std::span<const Index> b, std::uint64_t budget)
+    std::span<const Index> a, std::span<const Index> b, std::uint64_t budget, StopCheck& stop)
 {
-    Waves waves(a.data(), Index(a.size()), b.data(), Index(b.size()));
+    Waves waves(a.data(), Index(a.size()), b.data(), Index(b.size()), stop);
     const std::optional<Index> edits = waves.run(budget);
     if (!edits)
         return std::nullopt;
@@ -292,6 +299,7 @@ std::optional<std::vector<Index>> byGreedy(
     Index x = static_cast<Index>(a.size()), y = static_cast<Index>(b.size()), d = *edits;
     const Wave* before = d > 0 ? &waves.around(d - 1, x - y) : nullptr;
     while (x > 0 && y > 0) {
+        stop();
         const Index k = x - y;
         if (d > 0 && before->has(k + 1) && before->at(k + 1) >= x) {
             --y; // leave b[y - 1] unmatched
@@ -318,13 +326,15 @@ std::optional<std::vector<Index>> byGreedy(
 class BitRows
 {
 public:
-    BitRows(std::span<const Index> a, std::span<const Index> b, Index ids, std::size_t maxWords)
+    BitRows(std::span<const Index> a, std::span<const Index> b, Index ids, std::size_t maxWords,
+        StopCheck& stop)
         : a(a)
         , n(a.size())
         , words((b.size() + 63) / 64)
         , where(b, ids)
         , denseSlot(std::size_t(ids), kNone)
         , scratch(words, 0)
+        , stop(stop)
     {
         // Lines that are frequent in b get a ready mask; the rest set a few bits per row.
         const std::size_t maskBudget = std::max<std::size_t>(maxWords / 2, words);
@@ -382,6 +392,7 @@ private:
 
     void step(Word* v, Index line)
     {
+        stop(std::int64_t(words));
         const Index dense = denseSlot[std::size_t(line)];
         if (dense != kNone) {
             update(v, &masks[std::size_t(dense) * words]);
@@ -415,6 +426,7 @@ private:
     std::size_t stride = 1;
     std::vector<std::vector<Word>> rows; // by x; empty where only recomputing can tell
     std::vector<std::size_t> recomputed;
+    StopCheck& stop;
 };
 
 // Number of 0 bits among the first `bits` bits of a row. The walk back counts a great many
@@ -443,17 +455,20 @@ std::size_t highestZeroBelow(const Word* row, std::size_t bits)
     return w * 64 + 63 - std::size_t(std::countl_zero(zeros));
 }
 
-std::vector<Index> byBits(
-    std::span<const Index> a, std::span<const Index> b, Index ids, std::size_t maxWords)
+std::vector<Index> byBits(std::span<const Index> a, std::span<const Index> b, Index ids,
+    std::size_t maxWords, StopCheck& stop)
 {
-    BitRows rows(a, b, ids, maxWords);
+    BitRows rows(a, b, ids, maxWords, stop);
     std::vector<Index> match(a.size(), kNone);
     std::size_t x = a.size(), y = b.size();
     std::int64_t length = zerosBelow(rows.at(x), y);
     while (length > 0) {
+        stop(std::int64_t(y / 64));
         y = highestZeroBelow(rows.at(x), y) + 1; // leave b lines unmatched while it is free
-        while (zerosBelow(rows.at(x - 1), y) == length) // then a lines
+        while (zerosBelow(rows.at(x - 1), y) == length) { // then a lines
+            stop(std::int64_t(y / 64));
             --x;
+        }
         --x;
         --y;
         assert(a[x] == b[y]);
@@ -486,7 +501,7 @@ std::vector<std::int64_t> CommonSubsequence::find(Method method, const Limits& l
     if (a.empty() || b.empty())
         return result;
 
-    Reduced r = reduce(a, b);
+    Reduced r = reduce(a, b, stop);
     // A common head is matched pair by pair whichever method runs; take it off first.
     std::size_t head = 0;
     while (head < r.a.size() && head < r.b.size() && r.a[head] == r.b[head]) {
@@ -514,7 +529,7 @@ std::vector<std::int64_t> CommonSubsequence::find(Method method, const Limits& l
         const std::uint64_t thresholdCost = 30 * pairs;
         const std::uint64_t bitCost = 5 * std::uint64_t(ra.size()) * ((rb.size() + 63) / 64);
         const std::uint64_t budget = std::min(thresholdCost, bitCost) / 12 + ra.size() + rb.size();
-        std::optional<std::vector<Index>> found = byGreedy(ra, rb, budget);
+        std::optional<std::vector<Index>> found = byGreedy(ra, rb, budget, stop);
         if (found) {
             used = Method::Greedy;
             match = std::move(*found);
@@ -526,13 +541,13 @@ std::vector<std::int64_t> CommonSubsequence::find(Method method, const Limits& l
     if (match.empty()) {
         switch (used) {
         case Method::Threshold:
-            match = byThreshold(ra, rb, r.ids);
+            match = byThreshold(ra, rb, r.ids, stop);
             break;
         case Method::BitParallel:
-            match = byBits(ra, rb, r.ids, limits.bitWords);
+            match = byBits(ra, rb, r.ids, limits.bitWords, stop);
             break;
         default:
-            match = *byGreedy(ra, rb, std::numeric_limits<std::uint64_t>::max());
+            match = *byGreedy(ra, rb, std::numeric_limits<std::uint64_t>::max(), stop);
         }
     }
     for (std::size_t i = 0; i < ra.size(); ++i)

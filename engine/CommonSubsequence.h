@@ -1,10 +1,12 @@
 #pragma once
 
 #include "LineIds.h"
+#include "StopCheck.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <stop_token>
 #include <vector>
 
 namespace SeqDiff {
@@ -39,6 +41,9 @@ public:
     std::vector<std::int64_t> find(Method method, const Limits& limits);
     std::vector<std::int64_t> find(Method method = Method::Automatic);
 
+    // `find` throws Cancelled soon after `stop` is requested.
+    void setStopToken(std::stop_token stop) { this->stop = StopCheck(std::move(stop)); }
+
     // The method that the last `find` ended up using.
     Method methodUsed() const { return used; }
 
@@ -46,6 +51,7 @@ private:
     std::span<const LineId> a;
     std::span<const LineId> b;
     Method used = Method::Automatic;
+    StopCheck stop;
 };
 
 } // namespace SeqDiff

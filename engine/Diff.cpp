@@ -27,14 +27,19 @@ std::vector<std::int64_t> Diff::getLongestCommonSubsequences()
     std::int64_t aStart = 0, aEnd = std::int64_t(a.size()) - 1;
     std::int64_t bStart = 0, bEnd = std::int64_t(b.size()) - 1;
     std::vector<std::int64_t> matches(a.size(), -1);
-    while (aStart <= aEnd && bStart <= bEnd && a[std::size_t(aStart)] == b[std::size_t(bStart)])
+    while (aStart <= aEnd && bStart <= bEnd && a[std::size_t(aStart)] == b[std::size_t(bStart)]) {
+        stop();
         matches[std::size_t(aStart++)] = bStart++;
-    while (aStart <= aEnd && bStart <= bEnd && a[std::size_t(aEnd)] == b[std::size_t(bEnd)])
+    }
+    while (aStart <= aEnd && bStart <= bEnd && a[std::size_t(aEnd)] == b[std::size_t(bEnd)]) {
+        stop();
         matches[std::size_t(aEnd--)] = bEnd--;
+    }
 
     const auto midA = std::span(a).subspan(std::size_t(aStart), std::size_t(aEnd - aStart + 1));
     const auto midB = std::span(b).subspan(std::size_t(bStart), std::size_t(bEnd - bStart + 1));
     CommonSubsequence middle(midA, midB);
+    middle.setStopToken(stop.stopToken());
     const std::vector<std::int64_t> found
         = limits ? middle.find(method, *limits) : middle.find(method);
     for (std::size_t i = 0; i < found.size(); ++i)
@@ -55,11 +60,13 @@ void Diff::traverseSequences()
     const std::int64_t lastMatch = std::int64_t(matches.size()) - 1;
     std::int64_t ai = 0, bi = 0;
     for (; ai <= lastMatch; ++ai) {
+        stop();
         const std::int64_t match = matches[std::size_t(ai)];
         if (match < 0) {
             onANotB(ai, bi);
             continue;
         }
+        stop(match - bi);
         for (; bi < match; ++bi)
             onBNotA(ai, bi);
         onMatch();
@@ -69,6 +76,7 @@ void Diff::traverseSequences()
     // What is left behind the last match: one line of each side in turn, then the rest of the
     // longer side, all in one record.
     while (ai <= lastA || bi <= lastB) {
+        stop();
         if (ai == lastA + 1)
             for (; bi <= lastB; ++bi)
                 onBNotA(ai, bi);

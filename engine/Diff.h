@@ -3,9 +3,11 @@
 #include "CommonSubsequence.h"
 #include "Difference.h"
 #include "LineIds.h"
+#include "StopCheck.h"
 
 #include <cstdint>
 #include <optional>
+#include <stop_token>
 #include <vector>
 
 namespace SeqDiff {
@@ -27,6 +29,9 @@ public:
     // Which way the stretch between head and tail is computed; all give the same answer.
     void setMethod(CommonSubsequence::Method method, CommonSubsequence::Limits limits);
 
+    // Calculate throws Cancelled soon after `stop` is requested.
+    void setStopToken(std::stop_token stop) { this->stop = StopCheck(std::move(stop)); }
+
 private:
     void traverseSequences();
     void onANotB(std::int64_t ai, std::int64_t bi);
@@ -39,6 +44,7 @@ private:
     std::optional<Difference> pending;
     CommonSubsequence::Method method = CommonSubsequence::Method::Automatic;
     std::optional<CommonSubsequence::Limits> limits;
+    StopCheck stop;
 };
 
 } // namespace SeqDiff

@@ -1,4 +1,5 @@
 #include "LineIds.h"
+
 #include "LineSource.h"
 
 #include <algorithm>
@@ -130,7 +131,98 @@ std::array<LineIds, 2> intern(std::span<const View> a, std::span<const View> b)
     return ids;
 }
 
+// The same table over two line sources, read in place: the kept hashes place a line, and the
+// text is read only to tell apart lines whose hashes agree. The table grows with the distinct
+// lines, not with all of them: a long text of few distinct lines keeps it small.
+class SourceInterner
+{
+public:
+    SourceInterner(const LineSource& a, const LineSource& b, StopCheck& stop)
+        : sources{&a, &b}
+        , stop(stop)
+    {
+        slots.assign(1024, Slot{0, 0});
+    }
+
+    void intern(int side, std::size_t from, std::size_t to, LineIds& ids)
+    {
+        const LineSource& source = *sources[side];
+        ids.reserve(to - from);
+        for (std::size_t i = from; i < to; ++i) {
+            stop();
+            ids.push_back(idOf(side, i, source.lineHash(i)));
+        }
+    }
+
+private:
+    struct Slot
+    {
+        LineId idPlusOne; // 0 when free
+        std::uint32_t tag; // high half of the hash: most unequal lines are never read
+    };
+    struct Place
+    {
+        std::uint32_t side;
+        std::uint32_t index;
+    };
+
+    LineId idOf(int side, std::size_t index, std::uint64_t h)
+    {
+        const auto tag = static_cast<std::uint32_t>(h >> 32);
+        const std::size_t mask = slots.size() - 1;
+        for (std::size_t s = h & mask;; s = (s + 1) & mask) {
+            Slot& slot = slots[s];
+            if (slot.idPlusOne == 0) {
+                if (first.size() >= 0xFFFFFFF0U || index > 0xFFFFFFFFU)
+                    throw std::length_error("too many lines");
+                first.push_back(Place{std::uint32_t(side), std::uint32_t(index)});
+                slot = Slot{static_cast<LineId>(first.size()), tag};
+                const LineId id = slot.idPlusOne - 1;
+                if (first.size() * 4 > slots.size() * 3)
+                    grow();
+                return id;
+            }
+            if (slot.tag == tag) {
+                const Place p = first[slot.idPlusOne - 1];
+                if (sources[p.side]->line(p.index) == sources[side]->line(index))
+                    return slot.idPlusOne - 1;
+            }
+        }
+    }
+
+    void grow()
+    {
+        std::vector<Slot> old(slots.size() * 2, Slot{0, 0});
+        old.swap(slots);
+        const std::size_t mask = slots.size() - 1;
+        for (const Slot& slot : old) {
+            if (slot.idPlusOne == 0)
+                continue;
+            const Place p = first[slot.idPlusOne - 1];
+            std::size_t s = sources[p.side]->lineHash(p.index) & mask;
+            while (slots[s].idPlusOne != 0)
+                s = (s + 1) & mask;
+            slots[s] = slot;
+        }
+    }
+
+    const LineSource* sources[2];
+    StopCheck& stop;
+    std::vector<Slot> slots; // a power of two, at most three quarters full
+    std::vector<Place> first; // per id, where it was first seen
+};
+
 } // namespace
+
+std::array<LineIds, 2> internLines(const LineSource& a, std::size_t aFrom, std::size_t aTo,
+    const LineSource& b, std::size_t bFrom, std::size_t bTo, StopCheck& stop)
+{
+    SourceInterner table(a, b, stop);
+    std::array<LineIds, 2> ids;
+    table.intern(0, aFrom, aTo, ids[0]);
+    table.intern(1, bFrom, bTo, ids[1]);
+    return ids;
+}
 
 std::uint64_t lineHash(std::u16string_view line)
 {

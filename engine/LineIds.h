@@ -1,6 +1,10 @@
 #pragma once
 
+#include "LineSource.h"
+#include "StopCheck.h"
+
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string_view>
@@ -18,5 +22,8 @@ std::array<LineIds, 2> internLines(
     std::span<const std::u16string_view> a, std::span<const std::u16string_view> b);
 std::array<LineIds, 2> internLines(
     std::span<const std::string_view> a, std::span<const std::string_view> b);
+// Lines [aFrom, aTo) of `a` and [bFrom, bTo) of `b`, by the hashes the sources keep.
+std::array<LineIds, 2> internLines(const LineSource& a, std::size_t aFrom, std::size_t aTo,
+    const LineSource& b, std::size_t bFrom, std::size_t bTo, StopCheck& stop);
 
 } // namespace SeqDiff

@@ -17,7 +17,6 @@ std::size_t endingAt(std::u16string_view text, std::size_t i)
     case u'\r':
         return i + 1 < text.size() && text[i + 1] == u'\n' ? 2 : 1;
     case u'\n':
-    case u'\u2029':
         return 1;
     default:
         return 0;
@@ -31,24 +30,20 @@ std::size_t endingAt(std::string_view text, std::size_t i)
         return i + 1 < text.size() && text[i + 1] == '\n' ? 2 : 1;
     case '\n':
         return 1;
-    case '\xE2':
-        return text.substr(i, 3) == "\xE2\x80\xA9" ? 3 : 0;
     default:
         return 0;
     }
 }
 
-// Skips what cannot start a line ending (a byte above CR other than E2), sixteen bytes at a
-// time where the processor allows: most of a large file.
+// Skips what cannot start a line ending (anything but CR and LF), sixteen bytes at a time where
+// the processor allows: most of a large file.
 std::size_t skipPlain(std::string_view text, std::size_t i)
 {
 #ifdef __SSE2__
     const __m128i lf = _mm_set1_epi8('\n'), cr = _mm_set1_epi8('\r');
-    const __m128i e2 = _mm_set1_epi8(static_cast<char>(0xE2));
     while (i + 16 <= text.size()) {
         const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text.data() + i));
-        const __m128i hit = _mm_or_si128(
-            _mm_or_si128(_mm_cmpeq_epi8(v, lf), _mm_cmpeq_epi8(v, cr)), _mm_cmpeq_epi8(v, e2));
+        const __m128i hit = _mm_or_si128(_mm_cmpeq_epi8(v, lf), _mm_cmpeq_epi8(v, cr));
         const int mask = _mm_movemask_epi8(hit);
         if (mask != 0)
             return i + std::size_t(__builtin_ctz(unsigned(mask)));

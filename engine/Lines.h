@@ -5,12 +5,12 @@
 
 namespace SeqDiff {
 
-// Cuts a text into the lines the comparison sees. CR LF, CR, LF and the paragraph separator
-// U+2029 each end a line, so n endings give n + 1 lines: a trailing newline brings a last,
-// empty line, and an empty text is one empty line, as an empty pane shows it. U+2028 stays
-// inside its line, as it does in a pane. The views point into `text`.
+// Cuts a text into the lines the comparison sees. CR LF, CR and LF each end a line, so n
+// endings give n + 1 lines: a trailing newline brings a last, empty line, and an empty text is
+// one empty line, as an empty pane shows it. U+2028 and U+2029 stay inside their line, as they
+// do in a pane. The views point into `text`.
 std::vector<std::u16string_view> splitLines(std::u16string_view text);
-// The same for UTF-8 bytes (U+2029 is E2 80 A9 there).
+// The same for UTF-8 bytes.
 std::vector<std::string_view> splitLines(std::string_view text);
 
 } // namespace SeqDiff

@@ -30,19 +30,33 @@ std::vector<Difference> FindDifferences(
 std::vector<Difference> FindDifferences(
     const LineSource& a, const LineSource& b, std::stop_token stop)
 {
-    const auto views = [](const LineSource& s) {
-        std::vector<std::u16string_view> v(s.lineCount());
-        for (std::size_t i = 0; i < v.size(); ++i)
-            v[i] = s.line(i);
-        return v;
+    StopCheck check(stop);
+    check.ask();
+    // The common head and tail match line for line whatever the method; only the stretch
+    // between them is numbered and handed on, and its records are moved back into place.
+    const std::size_t n = a.lineCount(), m = b.lineCount();
+    const auto same = [&](std::size_t i, std::size_t j) {
+        return a.lineHash(i) == b.lineHash(j) && a.line(i) == b.line(j);
     };
-    const std::vector<std::u16string_view> av = views(a);
-    const std::vector<std::u16string_view> bv = views(b);
-    if (stop.stop_requested())
-        throw Cancelled();
-    std::vector<Difference> result = FindDifferences(av, bv);
-    if (stop.stop_requested())
-        throw Cancelled();
+    std::size_t head = 0;
+    while (head < n && head < m && same(head, head)) {
+        check();
+        ++head;
+    }
+    std::size_t tail = 0;
+    while (head + tail < n && head + tail < m && same(n - 1 - tail, m - 1 - tail)) {
+        check();
+        ++tail;
+    }
+    auto ids = internLines(a, head, n - tail, b, head, m - tail, check);
+    Diff diff(std::move(ids[0]), std::move(ids[1]));
+    diff.setStopToken(std::move(stop));
+    std::vector<Difference> result = diff.Calculate();
+    const auto moved
+        = [&](std::int64_t line) { return line < 0 ? line : line + std::int64_t(head); };
+    for (Difference& d : result)
+        d = Difference(moved(d.DeletedStart()), moved(d.DeletedEnd()), moved(d.AddedStart()),
+            moved(d.AddedEnd()));
     return result;
 }
 

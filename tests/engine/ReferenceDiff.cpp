@@ -153,9 +153,7 @@ Lines split(const std::u16string& text)
 {
     std::u16string normal;
     for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == u'\u2029') {
-            normal += u'\n';
-        } else if (text[i] == u'\r') {
+        if (text[i] == u'\r') {
             normal += u'\n';
             if (i + 1 < text.size() && text[i + 1] == u'\n')
                 ++i;

@@ -16,7 +16,7 @@ namespace Reference {
 using Lines = std::vector<std::u16string>;
 using Matches = std::vector<std::optional<std::int64_t>>;
 
-// The text as the comparison splits it: every CR LF, CR, LF and U+2029 made one LF, then cut at LF.
+// The text as the comparison splits it: every CR LF, CR and LF made one LF, then cut at LF.
 Lines split(const std::u16string& text);
 
 // Per line of a up to the last match: the matched line of b, or nothing.

@@ -52,6 +52,40 @@ Records compare(const Reference::Lines& a, const Reference::Lines& b, Method met
     return diff.Calculate();
 }
 
+// Lines held as a store holds them, with their hashes kept. A coarse source keeps hashes that
+// collide a great deal, so the text must still be checked.
+class Source : public SeqDiff::LineSource
+{
+public:
+    explicit Source(const Reference::Lines& lines, bool coarse = false)
+        : lines(lines)
+    {
+        for (const std::u16string& line : lines)
+            hashes.push_back(SeqDiff::lineHash(line) & (coarse ? 3 : ~std::uint64_t(0)));
+    }
+    std::size_t lineCount() const override { return lines.size(); }
+    std::u16string_view line(std::size_t i) const override { return lines[i]; }
+    std::uint64_t lineHash(std::size_t i) const override
+    {
+        if (i == stopAt)
+            stopper->request_stop();
+        return hashes[i];
+    }
+
+    // Requests a stop when the hash of line `i` is read.
+    void stopWhenRead(std::size_t i, std::stop_source& stop)
+    {
+        stopAt = i;
+        stopper = &stop;
+    }
+
+private:
+    const Reference::Lines& lines;
+    std::vector<std::uint64_t> hashes;
+    std::size_t stopAt = SIZE_MAX;
+    std::stop_source* stopper = nullptr;
+};
+
 constexpr Method allMethods[]
     = {Method::Automatic, Method::Threshold, Method::Greedy, Method::BitParallel};
 
@@ -73,6 +107,7 @@ private slots:
     void editedTextsAgreeWithReference_data();
     void editedTextsAgreeWithReference();
     void shuffledLinesAgreeWithReference();
+    void stopsWhenAsked();
 };
 
 void TestEngine::recordOperations()
@@ -110,8 +145,7 @@ void TestEngine::splitting_data()
     row("CR LF is one ending", u"a\r\nb", {"a", "b"});
     row("LF CR is two", u"a\n\rb", {"a", "", "b"});
     row("CR CR LF", u"a\r\r\nb", {"a", "", "b"});
-    row("paragraph separator", u"a\u2029b", {"a", "b"});
-    row("line separator stays", u"a\u2028b", {QString::fromUtf16(u"a\u2028b")});
+    row("separators stay", u"a\u2028b\u2029c", {QString::fromUtf16(u"a\u2028b\u2029c")});
     row("form feed stays", u"a\fb\vc", {"a\fb\vc"});
     row("blanks kept", u" a \t\n b", {" a \t", " b"});
     // Past the sixteen bytes that the UTF-8 splitter skips at a time.
@@ -225,11 +259,11 @@ void TestEngine::selfTest()
 void TestEngine::randomPairsAgreeWithReference()
 {
     // Small alphabets make many equal lines, which is where the choice among equally long
-    // alignments matters. Texts are built with all three endings and U+2029, so the splitting is
-    // checked against the literal one on the way.
+    // alignments matters. Texts are built with all three endings, and with U+2028 and U+2029
+    // inside lines, so the splitting is checked against the literal one on the way.
     std::mt19937_64 random(20261123);
-    const std::u16string alphabet[] = {u"a", u"b", u"", u"a ", u"c", u"\u2028", u"dd", u"b\t"};
-    const std::u16string endings[] = {u"\n", u"\r", u"\r\n", u"\u2029"};
+    const std::u16string alphabet[] = {u"a", u"b", u"", u"a ", u"c", u"\u2028", u"dd", u"b\u2029"};
+    const std::u16string endings[] = {u"\n", u"\r", u"\r\n", u"\n"};
     auto text = [&](std::size_t letters) {
         std::u16string t;
         const std::size_t lines = random() % 24;
@@ -253,6 +287,9 @@ void TestEngine::randomPairsAgreeWithReference()
         QCOMPARE(sa.size(), a.size());
         QCOMPARE(sb.size(), b.size());
         QCOMPARE(show(SeqDiff::FindDifferences(sa, sb)), show(expected));
+        QCOMPARE(
+            show(SeqDiff::FindDifferences(Source(a, round % 3 == 0), Source(b, round % 3 == 0))),
+            show(expected));
         for (Method method : allMethods) {
             const Records got
                 = compare(a, b, method, round % 2 ? tight : CommonSubsequence::Limits{});
@@ -348,6 +385,26 @@ void TestEngine::shuffledLinesAgreeWithReference()
         expected[i] = matches[i].value_or(-1);
     QCOMPARE(middle.find(), expected);
     QCOMPARE(middle.methodUsed(), Method::Threshold);
+}
+
+void TestEngine::stopsWhenAsked()
+{
+    // Two unrelated texts of few distinct lines: the bit rows take the longest. The stop comes
+    // while the lines are numbered, and the loops after it must notice.
+    std::mt19937_64 random(9);
+    Reference::Lines a, b;
+    for (int i = 0; i < 6000; ++i) {
+        a.push_back(std::u16string(1, char16_t(u'a' + random() % 20)));
+        b.push_back(std::u16string(1, char16_t(u'a' + random() % 20)));
+    }
+    std::stop_source stop;
+    Source left(a), right(b);
+    right.stopWhenRead(b.size() - 2, stop);
+    QVERIFY_THROWS_EXCEPTION(
+        SeqDiff::Cancelled, SeqDiff::FindDifferences(left, right, stop.get_token()));
+    QVERIFY(stop.stop_requested());
+    // Without a stop the same pair compares.
+    QVERIFY(!SeqDiff::FindDifferences(Source(a), Source(b)).empty());
 }
 
 QTEST_APPLESS_MAIN(TestEngine)

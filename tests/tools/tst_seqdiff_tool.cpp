@@ -92,8 +92,8 @@ void TestSeqDiffTool::succeeds_data()
     row("identical", "a\nb\n", "a\nb\n", "");
     row("stretches in order", "a\nb\nc\nd\ne", "x\nb\nc\nd\ny\nz", "0 0 0 0\n4 4 4 5\n");
     row("trailing newline is a line", "a\nb", "a\nb\n", "2 -1 2 2\n");
-    row("CR LF, CR and U+2029 against LF", "a\r\nb\r\r\nc\xE2\x80\xA9z", "a\nb\n\nc\nz", "");
-    row("U+2028 stays inside", "a\xE2\x80\xA8z", "a\nz", "0 0 0 1\n");
+    row("CR LF and CR against LF", "a\r\nb\r\r\nc", "a\nb\n\nc", "");
+    row("U+2028 and U+2029 stay inside", "a\xE2\x80\xA8z\xE2\x80\xA9y", "a\nz\ny", "0 0 0 2\n");
     // Ill-formed bytes compare as the U+FFFD a pane shows for them.
     row("different bad bytes", "x\xFFy\n", "x\xFEy\n", "");
     row("NUL compared", QByteArray("a\0b\nc", 5), QByteArray("a\0c\nc", 5), "0 0 0 0\n");
