@@ -13,11 +13,11 @@ namespace {
 
 enum Fate : std::uint8_t { Keep, Replace, Delete };
 
-std::unique_ptr<LineStream> makeStream(Style style, std::uint64_t seed)
+std::unique_ptr<LineStream> makeStream(const PairKind& kind, std::uint64_t seed)
 {
-    if (style == Style::Source)
+    if (kind.style == Style::Source)
         return std::make_unique<SourceLines>(seed);
-    return std::make_unique<RepetitiveLines>(seed);
+    return std::make_unique<RepetitiveLines>(seed, kind.distinct);
 }
 
 // FNV-1a, so that each pair draws from its own streams under one seed.
@@ -85,6 +85,20 @@ const std::vector<PairKind>& pairKinds()
             20000, 500, false},
         {"rep20k-unrelated", "20k lines from 20 distinct ones, two independent draws",
             Style::Repetitive, 20000, 0, true},
+        {"rep100k-1000-unrelated", "100k lines from 1000 distinct ones, two independent draws",
+            Style::Repetitive, 100000, 0, true, 1000, true},
+        {"rep300k-1000-unrelated", "300k lines from 1000 distinct ones, two independent draws",
+            Style::Repetitive, 300000, 0, true, 1000, true},
+        {"rep300k-50-unrelated", "300k lines from 50 distinct ones, two independent draws",
+            Style::Repetitive, 300000, 0, true, 50, true},
+        {"rep300k-200-50pct", "300k lines from 200 distinct ones, 50% of lines changed",
+            Style::Repetitive, 300000, 500, false, 200, true},
+        {"rep500k-200-5pct", "500k lines from 200 distinct ones, 5% of lines changed",
+            Style::Repetitive, 500000, 50, false, 200, true},
+        {"rep1m-3-5pct", "1M lines from 3 distinct ones, 5% of lines changed", Style::Repetitive,
+            1000000, 50, false, 3, true},
+        {"empty20m-0.1pct", "20M empty lines, 0.1% of lines changed", Style::Repetitive, 20000000,
+            1, false, 1, true},
     };
     return kinds;
 }
@@ -150,13 +164,13 @@ LinePair makePair(const PairKind& kind, std::uint64_t seed)
     LinePair pair;
     auto& [left, right] = pair.sides;
 
-    const auto leftStream = makeStream(kind.style, mixSeed(base, 1));
+    const auto leftStream = makeStream(kind, mixSeed(base, 1));
     left.reserve(kind.lines);
     for (std::size_t i = 0; i < kind.lines; ++i)
         left.push_back(leftStream->next());
 
     if (kind.unrelated) {
-        const auto rightStream = makeStream(kind.style, mixSeed(base, 2));
+        const auto rightStream = makeStream(kind, mixSeed(base, 2));
         right.reserve(kind.lines);
         for (std::size_t i = 0; i < kind.lines; ++i)
             right.push_back(rightStream->next());
@@ -164,7 +178,7 @@ LinePair makePair(const PairKind& kind, std::uint64_t seed)
     }
 
     Random places(mixSeed(base, 3));
-    const auto newLines = makeStream(kind.style, mixSeed(base, 4));
+    const auto newLines = makeStream(kind, mixSeed(base, 4));
     const std::size_t changed = kind.lines * std::min(kind.changedPerMille, 1000u) / 1000;
     right = editLines(left, changed, places, *newLines, pair.edits);
     return pair;

@@ -24,6 +24,8 @@ struct PairKind
     std::size_t lines;
     unsigned changedPerMille; // of the left lines; unused when unrelated
     bool unrelated; // the right text is a second, independent draw
+    std::size_t distinct = 20; // lines of a repetitive text
+    bool large = false; // minutes for diff: timed once, whole-process only (compare-large.sh)
 };
 
 struct EditCounts

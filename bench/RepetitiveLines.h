@@ -4,12 +4,15 @@
 #include "Random.h"
 
 #include <array>
+#include <string>
 #include <string_view>
 
 namespace Bench {
 
-// Lines drawn uniformly from twenty fixed ones: every line has about a thousand twins in a
-// 20k-line text, the hard case for methods whose cost grows with the number of equal pairs.
+// Lines drawn uniformly from a fixed set, by default twenty: every line has about a thousand
+// twins in a 20k-line text, the hard case for methods whose cost grows with the number of equal
+// pairs. Sets of more than twenty add numbered lines; smaller ones take the first of the twenty.
+// A set of one line is the empty line alone.
 class RepetitiveLines : public LineStream
 {
 public:
@@ -36,15 +39,23 @@ public:
         "    free(buffer);",
     };
 
-    explicit RepetitiveLines(std::uint64_t seed)
+    explicit RepetitiveLines(std::uint64_t seed, std::size_t distinct = kLines.size())
         : random(seed)
+        , distinct(distinct)
     {
     }
 
-    std::string next() override { return std::string(kLines[random.below(kLines.size())]); }
+    std::string next() override
+    {
+        const std::size_t i = random.below(distinct);
+        if (i < kLines.size())
+            return std::string(kLines[i]);
+        return "    value = " + std::to_string(i) + ";";
+    }
 
 private:
     Random random;
+    std::size_t distinct;
 };
 
 } // namespace Bench

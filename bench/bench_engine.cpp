@@ -138,13 +138,15 @@ void internLines(benchmark::State& state, const Bench::PairKind& kind)
 void registerAll()
 {
     for (const Bench::PairKind& kind : Bench::pairKinds()) {
+        if (kind.large)
+            continue;
         const std::string name(kind.name);
         benchmark::RegisterBenchmark(("FindDifferences/" + name).c_str(), findDifferences, kind)
             ->Unit(benchmark::kMillisecond);
     }
 
     for (const Bench::PairKind& kind : Bench::pairKinds()) {
-        if (kind.style != Bench::Style::Repetitive)
+        if (kind.style != Bench::Style::Repetitive || kind.large)
             continue;
         for (Method method :
             {Method::Automatic, Method::Threshold, Method::Greedy, Method::BitParallel}) {

@@ -15,9 +15,10 @@ namespace {
 
 void usage(std::FILE* out)
 {
-    std::fputs("Usage: twinly-benchgen [--seed N] PAIR|all OUTDIR\n"
+    std::fputs("Usage: twinly-benchgen [--seed N] PAIR|all|large OUTDIR\n"
                "       twinly-benchgen --list\n"
-               "Writes OUTDIR/PAIR.left and OUTDIR/PAIR.right (LF line endings).\n"
+               "Writes OUTDIR/PAIR.left and OUTDIR/PAIR.right (LF line endings); 'all' is\n"
+               "every usual pair, 'large' every pair that takes diff minutes.\n"
                "The same seed gives the same files on every machine.\n",
         out);
 }
@@ -85,9 +86,10 @@ int main(int argc, char** argv)
     }
 
     std::vector<const Bench::PairKind*> kinds;
-    if (args[0] == "all") {
+    if (args[0] == "all" || args[0] == "large") {
         for (const Bench::PairKind& kind : Bench::pairKinds())
-            kinds.push_back(&kind);
+            if (kind.large == (args[0] == "large"))
+                kinds.push_back(&kind);
     } else if (const Bench::PairKind* kind = Bench::findPairKind(args[0])) {
         kinds.push_back(kind);
     } else {

@@ -8,6 +8,10 @@
 #include <optional>
 #include <stdexcept>
 
+#ifdef __x86_64__
+#include <immintrin.h>
+#endif
+
 namespace SeqDiff {
 
 namespace {
@@ -188,8 +192,10 @@ public:
     }
 
     // Runs forward until both ends are reached; returns the number of edits, or nothing when
-    // the work went past `budget`. Only a few waves are kept: enough to recompute any other.
-    std::optional<Index> run(std::uint64_t budget)
+    // the work went past `budget`, or past what bit rows of `bandRows` rows would cost over the
+    // band of twice the edits reached so far. Only a few waves are kept: enough to recompute
+    // any other.
+    std::optional<Index> run(std::uint64_t budget, std::uint64_t bandRows)
     {
         std::uint64_t work = 0;
         Wave wave, next;
@@ -201,8 +207,15 @@ public:
                 checkpoints.push_back(wave);
             if (done)
                 return d;
-            if (work > budget)
+            // A step here takes some 6 ns; a word of a bit row some 1 ns, three times over (run,
+            // recomputed, walked back). The greedy work grows with the square of the edits, the
+            // band's with the edits: past some point the band is cheaper even if it must be
+            // widened once. The constant allows for the first waves' long runs of equal lines.
+            if (work > budget
+                || (bandRows > 0 && 2 * work > bandRows * (std::uint64_t(d) / 32 + 6))) {
+                reached = d;
                 return std::nullopt;
+            }
             shape(next, d + 1);
             advance(&wave, next, work);
             std::swap(wave, next);
@@ -282,18 +295,26 @@ private:
     const Index* a;
     const Index* b;
     Index n, m;
+
+public:
+    Index reached = 0; // the edits reached when run gave up
+
+private:
     StopCheck& stop;
     std::vector<Wave> checkpoints; // by ascending d
     std::vector<Wave> block; // a cone recomputed for the walk back
 };
 
-std::optional<std::vector<Index>> byGreedy(
-    std::span<const Index> a, std::span<const Index> b, std::uint64_t budget, StopCheck& stop)
+// Gives up as Waves::run does; `reached` then tells how far it came.
+std::optional<std::vector<Index>> byGreedy(std::span<const Index> a, std::span<const Index> b,
+    std::uint64_t budget, std::uint64_t bandRows, Index& reached, StopCheck& stop)
 {
     Waves waves(a.data(), Index(a.size()), b.data(), Index(b.size()), stop);
-    const std::optional<Index> edits = waves.run(budget);
-    if (!edits)
+    const std::optional<Index> edits = waves.run(budget, bandRows);
+    if (!edits) {
+        reached = waves.reached;
         return std::nullopt;
+    }
 
     std::vector<Index> match(a.size(), kNone);
     Index x = static_cast<Index>(a.size()), y = static_cast<Index>(b.size()), d = *edits;
@@ -322,92 +343,225 @@ std::optional<std::vector<Index>> byGreedy(
 //
 // Row x holds one bit per line of b: bit j is 0 exactly when the longest common subsequence of
 // a[0, x) grows by one from b[0, j) to b[0, j + 1).
+//
+// Only a band of diagonals is computed: a path with D edits never leaves the diagonals k = x - y
+// with |k| + |n - m - k| <= D. Left of the band a row keeps the words it had when the band moved
+// past them, and right of it the words are still all ones (no growth). Every value is then the
+// length of some common subsequence, so none is too large, and along every path of at most D
+// edits all values are exact: when the longest has at most D edits, the walk back, which only
+// ever compares values on or next to such paths, takes exactly the steps it takes on full rows.
+
+// Per line of b that is frequent, a ready mask of its places; the others set a few bits per row.
+struct Masks
+{
+    Masks(const Occurrences& where, Index ids, std::size_t words, std::size_t maxWords)
+        : slot(std::size_t(ids), kNone)
+    {
+        const std::size_t budget = std::max<std::size_t>(maxWords / 4, words);
+        std::size_t count = 0;
+        for (Index c = 0; c < ids; ++c) {
+            if (where.of(c).size() * 4 < words || (count + 1) * words > budget)
+                continue;
+            slot[std::size_t(c)] = static_cast<Index>(count++);
+            masks.resize(count * words, 0);
+            for (Index j : where.of(c))
+                masks[(count - 1) * words + std::size_t(j) / 64] |= Word(1) << (j % 64);
+        }
+    }
+
+    std::vector<Index> slot;
+    std::vector<Word> masks;
+};
+
+// Zeros among the words [0, count) of a row. The walk back counts a great many words; the
+// processor's own population count is chosen at load time where there is one.
+__attribute__((target_clones("popcnt", "default"))) std::int64_t countZeros(
+    const Word* words, std::size_t count)
+{
+    std::int64_t zeros = 0;
+    for (std::size_t w = 0; w < count; ++w)
+        zeros += std::popcount(~words[w]);
+    return zeros;
+}
 
 class BitRows
 {
 public:
-    BitRows(std::span<const Index> a, std::span<const Index> b, Index ids, std::size_t maxWords,
-        StopCheck& stop)
+    // A stored row: its words lo..hi, and the zeros in the words before lo.
+    struct Row
+    {
+        const Word* words;
+        std::size_t lo, hi;
+        std::int64_t zerosBefore;
+    };
+
+    // The band is the diagonals kLo..kHi; kLo <= 0 <= kHi and kLo <= n - m <= kHi.
+    BitRows(std::span<const Index> a, std::size_t m, const Occurrences& where, const Masks& masks,
+        std::int64_t kLo, std::int64_t kHi, std::size_t maxWords, StopCheck& stop)
         : a(a)
         , n(a.size())
-        , words((b.size() + 63) / 64)
-        , where(b, ids)
-        , denseSlot(std::size_t(ids), kNone)
+        , m(m)
+        , words((m + 63) / 64)
+        , kLo(kLo)
+        , kHi(kHi)
+        , where(where)
+        , masks(masks)
+        , work(words, ~Word(0))
         , scratch(words, 0)
         , stop(stop)
     {
-        // Lines that are frequent in b get a ready mask; the rest set a few bits per row.
-        const std::size_t maskBudget = std::max<std::size_t>(maxWords / 2, words);
-        for (Index c = 0; c < ids; ++c) {
-            if (where.of(c).size() * 4 < words || (denseCount + 1) * words > maskBudget)
-                continue;
-            denseSlot[std::size_t(c)] = static_cast<Index>(denseCount++);
-            masks.resize(denseCount * words, 0);
-            setBits(&masks[(denseCount - 1) * words], where.of(c), true);
+        // Keep every row when they fit, else every stride-th one and recompute the rows between
+        // two of them when the walk back comes there: each row is then computed twice, and the
+        // memory is that of 2 sqrt(n) rows.
+        std::size_t total = 0, widest = 0;
+        for (std::size_t x = 0; x <= n; ++x) {
+            const std::size_t width = hiWord(x) - loWord(x) + 1;
+            total += width + kRowExtra;
+            widest = std::max(widest, width);
         }
+        if (total > maxWords) {
+            stride = std::size_t(std::ceil(std::sqrt(double(n + 1))));
+            block.resize((stride - 1) * widest);
+            blockRows.resize(stride - 1);
+            total = 0;
+            for (std::size_t x = 0; x <= n; ++x)
+                if (x % stride == 0 || x == n)
+                    total += hiWord(x) - loWord(x) + 1;
+        }
+        // Reserved whole, so that rows never move.
+        store.reserve(total);
+    }
 
-        if ((n + 1) * words <= maxWords) {
-            stride = 1;
-        } else {
-            stride = std::max<std::size_t>(1, std::size_t(std::sqrt(double(n + 1))));
-        }
-        rows.resize(n + 1);
-        std::vector<Word> row(words, ~Word(0));
-        rows[0] = row;
+    // Computes all rows, keeping those to keep; returns the value at (n, m).
+    std::int64_t run()
+    {
+        std::int64_t zerosBefore = 0;
+        std::size_t lo = 0;
+        keep(0, zerosBefore);
         for (std::size_t x = 1; x <= n; ++x) {
-            step(row.data(), a[x - 1]);
-            if (x % stride == 0 || x == n)
-                rows[x] = row;
+            advance(x, lo, zerosBefore);
+            if (x % stride == 0)
+                keep(x, zerosBefore);
         }
+        if (n % stride != 0) // the walk back starts here
+            keep(n, zerosBefore);
+        const Row last = at(n);
+        return zerosBelow(last, m);
     }
 
     // Row x; asked for with x going down.
-    const Word* at(std::size_t x)
+    Row at(std::size_t x)
     {
-        if (!rows[x].empty())
-            return rows[x].data();
-        for (std::size_t r : recomputed)
-            if (r > x)
-                std::vector<Word>().swap(rows[r]);
-        recomputed.clear();
-        std::size_t c = x - 1;
-        while (rows[c].empty())
-            --c;
-        std::vector<Word> row = rows[c];
-        for (std::size_t e = c + 1; e <= x; ++e) {
-            step(row.data(), a[e - 1]);
-            rows[e] = row;
-            recomputed.push_back(e);
+        if (x % stride == 0 || x == n)
+            return kept[x / stride + (x % stride ? 1 : 0)];
+        const std::size_t base = x - x % stride;
+        if (blockBase != base) {
+            const Row from = kept[base / stride];
+            std::fill(work.begin() + std::ptrdiff_t(from.lo), work.end(), ~Word(0));
+            std::copy(from.words, from.words + (from.hi - from.lo + 1), &work[from.lo]);
+            std::int64_t zerosBefore = from.zerosBefore;
+            std::size_t lo = from.lo;
+            Word* out = block.data();
+            for (std::size_t r = base + 1; r < base + stride && r < n; ++r) {
+                advance(r, lo, zerosBefore);
+                const std::size_t width = hiWord(r) - lo + 1;
+                std::copy(&work[lo], &work[lo] + width, out);
+                blockRows[r - base - 1] = Row{out, lo, hiWord(r), zerosBefore};
+                out += width;
+            }
+            blockBase = base;
         }
-        return rows[x].data();
+        return blockRows[x - base - 1];
+    }
+
+    // The value at (x, y) from row x: zeros among its first y bits.
+    static std::int64_t zerosBelow(const Row& row, std::size_t y)
+    {
+        assert(y >= row.lo * 64 || y == 0);
+        std::int64_t zeros = row.zerosBefore;
+        const std::size_t full = std::min(y / 64, row.hi + 1);
+        if (full > row.lo)
+            zeros += countZeros(row.words, full - row.lo);
+        if (y % 64 && y / 64 <= row.hi && y / 64 >= row.lo)
+            zeros += std::popcount(~row.words[y / 64 - row.lo] & ((Word(1) << (y % 64)) - 1));
+        return zeros;
+    }
+
+    // The highest 0 bit of row x below `y`; there is one within the row's words whenever the
+    // walk back asks.
+    static std::size_t highestZeroBelow(const Row& row, std::size_t y)
+    {
+        std::size_t w = std::min((y - 1) / 64, row.hi);
+        Word zeros = ~row.words[w - row.lo];
+        if (w == (y - 1) / 64 && y % 64)
+            zeros &= (Word(1) << (y % 64)) - 1;
+        while (zeros == 0) {
+            assert(w > row.lo);
+            zeros = ~row.words[--w - row.lo];
+        }
+        return w * 64 + 63 - std::size_t(std::countl_zero(zeros));
     }
 
 private:
-    // Sets the bits of `positions`, or clears their whole words.
-    static void setBits(Word* mask, std::span<const Index> positions, bool set)
+    // What a kept row costs besides its words, in words.
+    static constexpr std::size_t kRowExtra = sizeof(Row) / sizeof(Word);
+
+    // The words of row x: one before the band's first column, so that the walk back finds the
+    // 0 bit in front of any cell of the band, up to the band's last column.
+    std::size_t loWord(std::size_t x) const
     {
-        for (Index j : positions)
-            mask[std::size_t(j) / 64] = set ? mask[std::size_t(j) / 64] | Word(1) << (j % 64) : 0;
+        const std::int64_t first = std::int64_t(x) - kHi; // the band's first column
+        return first > 0 ? std::size_t(first - 1) / 64 : 0;
+    }
+    std::size_t hiWord(std::size_t x) const
+    {
+        const std::int64_t last = std::min<std::int64_t>(std::int64_t(m), std::int64_t(x) - kLo);
+        return last > 1 ? std::min(words - 1, std::size_t(last - 1) / 64) : 0;
     }
 
-    void step(Word* v, Index line)
+    // Row x from row x - 1 in `work`.
+    void advance(std::size_t x, std::size_t& lo, std::int64_t& zerosBefore)
     {
-        stop(std::int64_t(words));
-        const Index dense = denseSlot[std::size_t(line)];
+        const std::size_t newLo = loWord(x), hi = hiWord(x);
+        if (newLo > lo) {
+            zerosBefore += countZeros(&work[lo], newLo - lo);
+            lo = newLo;
+        }
+        stop(std::int64_t(hi - lo + 1));
+        const Index line = a[x - 1];
+        const Index dense = masks.slot[std::size_t(line)];
         if (dense != kNone) {
-            update(v, &masks[std::size_t(dense) * words]);
+            update(lo, hi, &masks.masks[std::size_t(dense) * words]);
             return;
         }
-        setBits(scratch.data(), where.of(line), true);
-        update(v, scratch.data());
-        setBits(scratch.data(), where.of(line), false);
+        // Only the places inside the band matter.
+        const std::span<const Index> all = where.of(line);
+        const auto from = std::lower_bound(all.begin(), all.end(), Index(lo * 64));
+        const auto to = std::lower_bound(from, all.end(), Index(std::min(m, (hi + 1) * 64)));
+        for (auto j = from; j != to; ++j)
+            scratch[std::size_t(*j) / 64] |= Word(1) << (*j % 64);
+        update(lo, hi, scratch.data());
+        for (auto j = from; j != to; ++j)
+            scratch[std::size_t(*j) / 64] = 0;
     }
 
-    void update(Word* v, const Word* mask) const
+    void update(std::size_t lo, std::size_t hi, const Word* mask)
     {
-        // v = (v + (v & mask)) | (v & ~mask), with the carry running across words.
+        // v = (v + (v & mask)) | (v & ~mask), with the carry running across words: the
+        // processor's add with carry keeps the chain at a cycle or two per word.
+        Word* v = work.data();
+#ifdef __x86_64__
+        unsigned char carry = 0;
+        for (std::size_t w = lo; w <= hi; ++w) {
+            const Word old = v[w];
+            const Word u = old & mask[w];
+            unsigned long long sum;
+            carry = _addcarry_u64(carry, old, u, &sum);
+            v[w] = Word(sum) | (old & ~u);
+        }
+#else
         Word carry = 0;
-        for (std::size_t w = 0; w < words; ++w) {
+        for (std::size_t w = lo; w <= hi; ++w) {
             const Word old = v[w];
             const Word u = old & mask[w];
             const Word sum = old + u;
@@ -415,67 +569,78 @@ private:
             carry = Word(sum < old) | Word(total < sum);
             v[w] = total | (old & ~u);
         }
+#endif
+    }
+
+    void keep(std::size_t x, std::int64_t zerosBefore)
+    {
+        const std::size_t lo = loWord(x), hi = hiWord(x);
+        const std::size_t offset = store.size();
+        assert(offset + hi - lo + 1 <= store.capacity());
+        store.insert(store.end(), &work[lo], &work[lo] + (hi - lo + 1));
+        kept.push_back(Row{store.data() + offset, lo, hi, zerosBefore});
     }
 
     std::span<const Index> a;
-    std::size_t n, words;
-    Occurrences where;
-    std::vector<Index> denseSlot;
-    std::size_t denseCount = 0;
-    std::vector<Word> masks, scratch;
+    std::size_t n, m, words;
+    std::int64_t kLo, kHi;
+    const Occurrences& where;
+    const Masks& masks;
+    std::vector<Word> work, scratch; // the row being computed, full width
     std::size_t stride = 1;
-    std::vector<std::vector<Word>> rows; // by x; empty where only recomputing can tell
-    std::vector<std::size_t> recomputed;
+    std::vector<Word> store; // the kept rows, one after another
+    std::vector<Row> kept;
+    std::vector<Word> block; // the rows recomputed between two kept ones
+    std::vector<Row> blockRows;
+    std::size_t blockBase = SIZE_MAX;
     StopCheck& stop;
 };
 
-// Number of 0 bits among the first `bits` bits of a row. The walk back counts a great many
-// words; the processor's own population count is chosen at load time where there is one.
-__attribute__((target_clones("popcnt", "default"))) std::int64_t zerosBelow(
-    const Word* row, std::size_t bits)
-{
-    std::int64_t zeros = 0;
-    std::size_t w = 0;
-    for (; (w + 1) * 64 <= bits; ++w)
-        zeros += std::popcount(~row[w]);
-    if (bits % 64)
-        zeros += std::popcount(~row[w] & ((Word(1) << (bits % 64)) - 1));
-    return zeros;
-}
-
-// The highest 0 bit below `bits`; there is one whenever zerosBelow(row, bits) > 0.
-std::size_t highestZeroBelow(const Word* row, std::size_t bits)
-{
-    std::size_t w = (bits - 1) / 64;
-    Word zeros = ~row[w];
-    if (bits % 64)
-        zeros &= (Word(1) << (bits % 64)) - 1;
-    while (zeros == 0)
-        zeros = ~row[--w];
-    return w * 64 + 63 - std::size_t(std::countl_zero(zeros));
-}
-
+// `edits`: a guess at the number of lines left unmatched; the band it gives is widened until
+// it holds the answer.
 std::vector<Index> byBits(std::span<const Index> a, std::span<const Index> b, Index ids,
-    std::size_t maxWords, StopCheck& stop)
+    std::size_t maxWords, std::int64_t edits, StopCheck& stop)
 {
-    BitRows rows(a, b, ids, maxWords, stop);
-    std::vector<Index> match(a.size(), kNone);
-    std::size_t x = a.size(), y = b.size();
-    std::int64_t length = zerosBelow(rows.at(x), y);
-    while (length > 0) {
-        stop(std::int64_t(y / 64));
-        y = highestZeroBelow(rows.at(x), y) + 1; // leave b lines unmatched while it is free
-        while (zerosBelow(rows.at(x - 1), y) == length) { // then a lines
-            stop(std::int64_t(y / 64));
-            --x;
+    const Occurrences where(b, ids);
+    const std::size_t words = (b.size() + 63) / 64;
+    const Masks masks(where, ids, words, maxWords);
+    const auto n = std::int64_t(a.size()), m = std::int64_t(b.size());
+    const std::int64_t delta = n - m;
+    edits = std::max(edits, std::abs(delta));
+    for (;;) {
+        // The diagonals k with |k| + |delta - k| <= edits.
+        const std::int64_t spare = (edits - std::abs(delta)) / 2 + 1;
+        const std::int64_t kLo = std::max(-m, std::min<std::int64_t>(0, delta) - spare);
+        const std::int64_t kHi = std::min(n, std::max<std::int64_t>(0, delta) + spare);
+        BitRows rows(a, b.size(), where, masks, kLo, kHi, maxWords, stop);
+        std::int64_t length = rows.run();
+        const std::int64_t found = n + m - 2 * length;
+        if (found > edits) {
+            // Some path has `found` edits, so the answer has no more: a band that wide holds
+            // it. A band twice as wide is often enough, and cheaper.
+            edits = std::min(found, 2 * edits + 64);
+            continue;
         }
-        --x;
-        --y;
-        assert(a[x] == b[y]);
-        match[x] = static_cast<Index>(y);
-        --length;
+
+        std::vector<Index> match(a.size(), kNone);
+        std::size_t x = a.size(), y = b.size();
+        while (length > 0) {
+            y = BitRows::highestZeroBelow(rows.at(x), y) + 1; // leave b lines unmatched while free
+            for (;;) { // then a lines
+                const BitRows::Row row = rows.at(x - 1);
+                stop(std::int64_t(row.hi - row.lo + 1));
+                if (BitRows::zerosBelow(row, y) != length)
+                    break;
+                --x;
+            }
+            --x;
+            --y;
+            assert(a[x] == b[y]);
+            match[x] = static_cast<Index>(y);
+            --length;
+        }
+        return match;
     }
-    return match;
 }
 
 } // namespace
@@ -517,24 +682,36 @@ std::vector<std::int64_t> CommonSubsequence::find(Method method, const Limits& l
         return result;
 
     std::vector<Index> match;
+    Index edits = 0; // a first guess for the bit rows' band
     if (method == Method::Automatic) {
         // Rough costs in nanoseconds, measured on ordinary hardware: the threshold table pays
-        // for every equal pair, the bit rows for every 64 columns of every row. The greedy
-        // method's cost is only known by running it, so it runs first, allowed about half the
-        // time of the cheaper other one (a step of it takes some 6 ns): it wins whenever the
-        // texts are alike, and gives way when they are not.
+        // 30 for every equal pair, the bit rows 3 for every 64 columns of every row of their
+        // band. The greedy method's cost is only known by running it, so it runs first, allowed
+        // about half the time of the cheaper other one (a step of it takes some 6 ns): it wins
+        // whenever the texts are alike, and gives way when they are not, or when the band of
+        // twice the edits it has reached would already be cheaper. The threshold table keeps a link
+        // per new threshold, up to one per equal pair, so where that could outgrow the memory
+        // allowed it is not chosen.
         std::uint64_t pairs = 0;
         for (Index c : ra)
             pairs += std::uint64_t(r.countB[std::size_t(c)]);
-        const std::uint64_t thresholdCost = 30 * pairs;
-        const std::uint64_t bitCost = 5 * std::uint64_t(ra.size()) * ((rb.size() + 63) / 64);
+        const std::uint64_t allowed
+            = std::max<std::uint64_t>(limits.bitWords * 8, 16 * (ra.size() + rb.size()));
+        const std::uint64_t thresholdCost
+            = 12 * pairs <= allowed ? 30 * pairs : std::numeric_limits<std::uint64_t>::max();
+        const std::uint64_t bitCost = 3 * std::uint64_t(ra.size()) * ((rb.size() + 63) / 64);
         const std::uint64_t budget = std::min(thresholdCost, bitCost) / 12 + ra.size() + rb.size();
-        std::optional<std::vector<Index>> found = byGreedy(ra, rb, budget, stop);
+        std::optional<std::vector<Index>> found = byGreedy(ra, rb, budget, ra.size(), edits, stop);
         if (found) {
             used = Method::Greedy;
             match = std::move(*found);
         } else {
-            used = bitCost <= thresholdCost ? Method::BitParallel : Method::Threshold;
+            edits *= 2;
+            // The band may have to be widened a few times: allow for it.
+            const std::uint64_t bandCost
+                = 12 * std::uint64_t(ra.size()) * (std::uint64_t(edits) / 64 + 2);
+            used = std::min(bandCost, bitCost) <= thresholdCost ? Method::BitParallel
+                                                                : Method::Threshold;
         }
     }
 
@@ -544,10 +721,10 @@ std::vector<std::int64_t> CommonSubsequence::find(Method method, const Limits& l
             match = byThreshold(ra, rb, r.ids, stop);
             break;
         case Method::BitParallel:
-            match = byBits(ra, rb, r.ids, limits.bitWords, stop);
+            match = byBits(ra, rb, r.ids, limits.bitWords, edits, stop);
             break;
         default:
-            match = *byGreedy(ra, rb, std::numeric_limits<std::uint64_t>::max(), stop);
+            match = *byGreedy(ra, rb, std::numeric_limits<std::uint64_t>::max(), 0, edits, stop);
         }
     }
     for (std::size_t i = 0; i < ra.size(); ++i)

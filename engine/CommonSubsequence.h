@@ -25,14 +25,16 @@ public:
         Automatic,
         Threshold, // the threshold table itself: cost grows with the number of equal pairs
         Greedy, // furthest-reaching paths: cost grows with the square of the edit distance
-        BitParallel, // 64 columns per machine word: cost grows with the product of the lengths
+        BitParallel, // 64 columns per machine word: cost grows with the length of one text times
+                     // the edit distance
     };
 
-    // Memory the bit-parallel rows may keep before they fall back to checkpoints and
-    // recomputing.
+    // Memory, in 64-bit words, that the bit-parallel rows may keep before they keep only every
+    // so many rows and compute the others again; the threshold table is not chosen where it
+    // could need more.
     struct Limits
     {
-        std::size_t bitWords = std::size_t(1) << 23;
+        std::size_t bitWords = std::size_t(1) << 20;
     };
 
     CommonSubsequence(std::span<const LineId> a, std::span<const LineId> b);
