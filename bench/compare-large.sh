@@ -7,8 +7,8 @@
 #
 # TWINLY_BUILD: build folder (default: build); TWINLY_SEQDIFF: the binary to time (default:
 # TWINLY_BUILD/tools/twinly-seqdiff); TWINLY_BENCH_DATA: where the pairs are written (default:
-# bench/data); LIMIT: seconds after which a run is cut and shown as "> LIMIT s" (default 60);
-# OTHERS=0 times our binary only.
+# bench/data); LIMIT: seconds after which a run is cut and shown as ">LIMIT" (default 60);
+# its peak memory is then the peak so far; OTHERS=0 times our binary only.
 #
 # Exit 0 when our output had the deleted and added line counts of diff --minimal wherever diff
 # finished, 1 otherwise, 2 when something needed is missing.
@@ -40,13 +40,22 @@ fi
 tmp=$(mktemp -d)
 trap 'rm -rf "$tmp"' EXIT
 
-# "seconds KB" of one run, or "> LIMIT" and the peak so far unknown ("-").
+# "seconds KB" of one run; a run cut after LIMIT seconds gives ">LIMIT" and its peak so far.
 measure() {
-    local status=0
-    /usr/bin/time -f '%e %M' -o "$tmp/time" timeout "$limit" "$@" >"$tmp/out" 2>"$tmp/err" \
-        || status=$?
-    if ((status == 124)); then
-        echo ">$limit -"
+    /usr/bin/time -f '%e %M' -o "$tmp/time" "$@" >"$tmp/out" 2>"$tmp/err" &
+    local timer=$! ticks=0 cut=0 status=0 child
+    while kill -0 "$timer" 2>/dev/null; do
+        sleep 0.1
+        if ((++ticks >= limit * 10)); then
+            child=$(pgrep -P "$timer" || true)
+            [[ -z $child ]] || kill "$child"
+            cut=1
+            break
+        fi
+    done
+    wait "$timer" || status=$?
+    if ((cut)); then
+        echo ">$limit $(tail -n 1 "$tmp/time" | awk '{ print $2 }')"
     elif ((status > 1)); then
         die "$* failed (exit $status): $(head -n 3 "$tmp/err")"
     else
@@ -54,6 +63,7 @@ measure() {
     fi
 }
 mb() { awk -v k="$1" 'BEGIN { if (k == "-") print "-"; else printf "%.1f", k / 1024 }'; }
+# A run cut short shows its peak so far with a ">": memory that was still growing.
 ratio() { awk -v a="$1" -v b="$2" 'BEGIN { if (b + 0 > 0 && a !~ />/ && b !~ />/) printf "%.2f", a / b; else print "-" }'; }
 
 failed=0

@@ -1,6 +1,7 @@
 #include "LineIds.h"
 
 #include "LineSource.h"
+#include "Lines.h"
 
 #include <algorithm>
 #include <cstring>
@@ -37,6 +38,7 @@ std::uint64_t hashBytes(const void* data, std::size_t size)
 template <class View> class Interner
 {
 public:
+    // Sized for `lines` distinct lines; it grows when more come.
     explicit Interner(std::size_t lines)
     {
         std::size_t capacity = 1024;
@@ -46,6 +48,9 @@ public:
         // Address space only: pages are touched as distinct lines come.
         first.reserve(lines);
     }
+
+    LineId idOf(View line) { return idOf(line, hashOf(line)); }
+    std::size_t distinct() const { return first.size(); }
 
     void intern(std::span<const View> lines, LineIds& ids)
     {
@@ -110,10 +115,28 @@ private:
                     throw std::length_error("too many distinct lines");
                 first.push_back(line);
                 slot = Slot{static_cast<LineId>(first.size()), tag};
-                return slot.idPlusOne - 1;
+                const LineId id = slot.idPlusOne - 1;
+                if (first.size() * 4 > slots.size() * 3)
+                    grow();
+                return id;
             }
             if (slot.tag == tag && first[slot.idPlusOne - 1] == line)
                 return slot.idPlusOne - 1;
+        }
+    }
+
+    void grow()
+    {
+        std::vector<Slot> old(slots.size() * 2, Slot{0, 0});
+        old.swap(slots);
+        const std::size_t mask = slots.size() - 1;
+        for (const Slot& slot : old) {
+            if (slot.idPlusOne == 0)
+                continue;
+            std::size_t s = hashOf(first[slot.idPlusOne - 1]) & mask;
+            while (slots[s].idPlusOne != 0)
+                s = (s + 1) & mask;
+            slots[s] = slot;
         }
     }
 
@@ -213,6 +236,70 @@ private:
 };
 
 } // namespace
+
+std::array<LineIds, 2> internTextLines(std::string_view a, std::string_view b, std::size_t& head)
+{
+    // The common head is only counted.
+    LineCursor left(a), right(b);
+    std::string_view lineA, lineB;
+    bool hasA = left.next(lineA), hasB = right.next(lineB);
+    head = 0;
+    std::size_t startA = 0; // where lineA starts
+    while (hasA && hasB && lineA == lineB) {
+        ++head;
+        startA = left.offset();
+        hasA = left.next(lineA);
+        hasB = right.next(lineB);
+    }
+
+    // Sized for a text of mostly distinct lines up to a million of them; beyond, it grows, so
+    // that a text of many equal lines keeps it small.
+    const std::size_t guess = std::min<std::size_t>((a.size() + b.size()) / 16, 1 << 20);
+    Interner<std::string_view> table(guess);
+    std::array<LineIds, 2> ids;
+    // At most one line more than line endings: counted, to grow the arrays once.
+    const auto endings = [](std::string_view text) {
+        return std::size_t(std::count(text.begin(), text.end(), '\n'))
+            + std::size_t(std::count(text.begin(), text.end(), '\r')) + 1;
+    };
+    ids[0].reserve(endings(a) - head);
+    ids[1].reserve(endings(b) - head);
+    // Per id, where the line after its last place in a starts, and its number there.
+    std::vector<std::size_t> afterLast;
+    std::vector<std::uint32_t> lastIndex;
+    for (; hasA; hasA = left.next(lineA)) {
+        const LineId id = table.idOf(lineA);
+        if (id >= afterLast.size()) {
+            afterLast.resize(id + 1);
+            lastIndex.resize(id + 1);
+        }
+        afterLast[id] = left.offset();
+        lastIndex[id] = static_cast<std::uint32_t>(ids[0].size());
+        ids[0].push_back(id);
+    }
+
+    // Most lines of b follow their twin in a: try the line after the last twin before hashing.
+    const std::size_t linesA = ids[0].size();
+    std::size_t nextIndex = 0;
+    LineCursor follow(a, startA);
+    std::string_view nextA;
+    bool hasNext = linesA > 0 && follow.next(nextA);
+    for (; hasB; hasB = right.next(lineB)) {
+        if (hasNext && nextIndex < linesA && nextA == lineB) {
+            ids[1].push_back(ids[0][nextIndex++]);
+            hasNext = follow.next(nextA);
+            continue;
+        }
+        const LineId id = table.idOf(lineB);
+        ids[1].push_back(id);
+        if (id < afterLast.size()) {
+            nextIndex = lastIndex[id] + 1;
+            follow = LineCursor(a, afterLast[id]);
+            hasNext = nextIndex < linesA && follow.next(nextA);
+        }
+    }
+    return ids;
+}
 
 std::array<LineIds, 2> internLines(const LineSource& a, std::size_t aFrom, std::size_t aTo,
     const LineSource& b, std::size_t bFrom, std::size_t bTo, StopCheck& stop)

@@ -95,4 +95,27 @@ std::vector<std::string_view> splitLines(std::string_view text)
     return split(text);
 }
 
+bool LineCursor::next(std::string_view& line)
+{
+    if (done)
+        return false;
+    for (std::size_t i = pos; i < text.size();) {
+        i = skipPlain(text, i);
+        if (i >= text.size())
+            break;
+        const std::size_t ending = endingAt(text, i);
+        if (ending == 0) {
+            ++i;
+            continue;
+        }
+        line = text.substr(pos, i - pos);
+        pos = i + ending;
+        return true;
+    }
+    line = text.substr(pos);
+    pos = text.size();
+    done = true;
+    return true;
+}
+
 } // namespace SeqDiff

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string_view>
 #include <vector>
 
@@ -12,5 +13,27 @@ namespace SeqDiff {
 std::vector<std::u16string_view> splitLines(std::u16string_view text);
 // The same for UTF-8 bytes.
 std::vector<std::string_view> splitLines(std::string_view text);
+
+// The lines of a UTF-8 text one at a time, cut as splitLines cuts them, from the line that
+// starts at `from`: a long text of short lines needs no array of them.
+class LineCursor
+{
+public:
+    explicit LineCursor(std::string_view text, std::size_t from = 0)
+        : text(text)
+        , pos(from)
+    {
+    }
+
+    // The next line; false after the last one.
+    bool next(std::string_view& line);
+    // Where the line after the last one returned starts.
+    std::size_t offset() const { return pos; }
+
+private:
+    std::string_view text;
+    std::size_t pos;
+    bool done = false;
+};
 
 } // namespace SeqDiff

@@ -13,6 +13,17 @@ template <class View> Diff diffOf(std::span<const View> a, std::span<const View>
     return Diff(std::move(ids[0]), std::move(ids[1]));
 }
 
+// Records of the lines after a common head, moved to where those lines are in the whole texts.
+std::vector<Difference> movedDown(std::vector<Difference> records, std::size_t head)
+{
+    const auto moved
+        = [&](std::int64_t line) { return line < 0 ? line : line + std::int64_t(head); };
+    for (Difference& d : records)
+        d = Difference(moved(d.DeletedStart()), moved(d.DeletedEnd()), moved(d.AddedStart()),
+            moved(d.AddedEnd()));
+    return records;
+}
+
 } // namespace
 
 std::vector<Difference> FindDifferences(
@@ -25,6 +36,13 @@ std::vector<Difference> FindDifferences(
     std::span<const std::string_view> a, std::span<const std::string_view> b)
 {
     return diffOf(a, b).Calculate();
+}
+
+std::vector<Difference> compareTexts(std::string_view a, std::string_view b)
+{
+    std::size_t head = 0;
+    auto ids = internTextLines(a, b, head);
+    return movedDown(Diff(std::move(ids[0]), std::move(ids[1])).Calculate(), head);
 }
 
 std::vector<Difference> FindDifferences(
@@ -51,13 +69,7 @@ std::vector<Difference> FindDifferences(
     auto ids = internLines(a, head, n - tail, b, head, m - tail, check);
     Diff diff(std::move(ids[0]), std::move(ids[1]));
     diff.setStopToken(std::move(stop));
-    std::vector<Difference> result = diff.Calculate();
-    const auto moved
-        = [&](std::int64_t line) { return line < 0 ? line : line + std::int64_t(head); };
-    for (Difference& d : result)
-        d = Difference(moved(d.DeletedStart()), moved(d.DeletedEnd()), moved(d.AddedStart()),
-            moved(d.AddedEnd()));
-    return result;
+    return movedDown(diff.Calculate(), head);
 }
 
 void runDiff(std::span<const std::string_view> a, std::span<const std::string_view> b,

@@ -20,6 +20,8 @@ std::vector<Difference> FindDifferences(
     std::span<const std::u16string_view> a, std::span<const std::u16string_view> b);
 std::vector<Difference> FindDifferences(
     std::span<const std::string_view> a, std::span<const std::string_view> b);
+// The same over two UTF-8 texts, cut as splitLines cuts them but without an array of lines.
+std::vector<Difference> compareTexts(std::string_view a, std::string_view b);
 // The same over lines read in place. Throws Cancelled soon after `stop` is requested.
 std::vector<Difference> FindDifferences(
     const LineSource& a, const LineSource& b, std::stop_token stop = {});

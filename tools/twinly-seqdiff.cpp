@@ -29,7 +29,7 @@ struct Side
 {
     documents::FileBytes bytes;
     std::string repaired;
-    std::vector<std::string_view> lines;
+    std::string_view text;
 };
 
 void load(const char* path, Side& side)
@@ -39,8 +39,7 @@ void load(const char* path, Side& side)
     if (!bytes)
         throw Failure(error);
     side.bytes = std::move(*bytes);
-    const std::string_view text = sanitizeUtf8(side.bytes.view(), side.repaired);
-    side.lines = SeqDiff::splitLines(text);
+    side.text = sanitizeUtf8(side.bytes.view(), side.repaired);
 }
 
 void appendNumber(std::string& out, std::int64_t value)
@@ -55,8 +54,10 @@ int compare(const char* leftPath, const char* rightPath)
     std::array<Side, 2> sides;
     load(leftPath, sides[0]);
     load(rightPath, sides[1]);
+    // Read line by line, not cut into an array: a file of millions of short lines would need
+    // more for the array than for its text.
     const std::vector<SeqDiff::Difference> diffs
-        = SeqDiff::FindDifferences(sides[0].lines, sides[1].lines);
+        = SeqDiff::compareTexts(sides[0].text, sides[1].text);
 
     std::string out;
     out.reserve(diffs.size() * 32);

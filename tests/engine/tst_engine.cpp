@@ -290,6 +290,9 @@ void TestEngine::randomPairsAgreeWithReference()
         QCOMPARE(
             show(SeqDiff::FindDifferences(Source(a, round % 3 == 0), Source(b, round % 3 == 0))),
             show(expected));
+        const std::string l8 = QString::fromStdU16String(left).toStdString();
+        const std::string r8 = QString::fromStdU16String(right).toStdString();
+        QCOMPARE(show(SeqDiff::compareTexts(l8, r8)), show(expected));
         for (Method method : allMethods) {
             const Records got
                 = compare(a, b, method, round % 2 ? tight : CommonSubsequence::Limits{});
@@ -318,6 +321,8 @@ void TestEngine::editedTextsAgreeWithReference_data()
     QTest::newRow("large, repetitive") << 20 << 6000 << 2 << 1;
     QTest::newRow("large, heavily edited") << 20 << 6000 << 50 << 1;
     QTest::newRow("large, varied") << 2000 << 6000 << 5 << 1;
+    QTest::newRow("large, three distinct lines") << 3 << 3000 << 5 << 1;
+    QTest::newRow("large, many distinct, all edited") << 1000 << 3000 << 100 << 1;
 }
 
 void TestEngine::editedTextsAgreeWithReference()
