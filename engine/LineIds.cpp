@@ -50,7 +50,7 @@ public:
     }
 
     LineId idOf(View line) { return idOf(line, hashOf(line)); }
-    std::size_t distinct() const { return first.size(); }
+    void prefetch(std::uint64_t h) const { __builtin_prefetch(&slots[h & (slots.size() - 1)]); }
 
     void intern(std::span<const View> lines, LineIds& ids)
     {
@@ -92,13 +92,6 @@ public:
         }
     }
 
-private:
-    struct Slot
-    {
-        LineId idPlusOne; // 0 when free
-        std::uint32_t tag; // high half of the hash: most unequal lines are never read
-    };
-
     static std::uint64_t hashOf(View line)
     {
         return hashBytes(line.data(), line.size() * sizeof(line[0]));
@@ -124,6 +117,13 @@ private:
                 return slot.idPlusOne - 1;
         }
     }
+
+private:
+    struct Slot
+    {
+        LineId idPlusOne; // 0 when free
+        std::uint32_t tag; // high half of the hash: most unequal lines are never read
+    };
 
     void grow()
     {
@@ -267,15 +267,32 @@ std::array<LineIds, 2> internTextLines(std::string_view a, std::string_view b, s
     // Per id, where the line after its last place in a starts, and its number there.
     std::vector<std::size_t> afterLast;
     std::vector<std::uint32_t> lastIndex;
-    for (; hasA; hasA = left.next(lineA)) {
-        const LineId id = table.idOf(lineA);
-        if (id >= afterLast.size()) {
-            afterLast.resize(id + 1);
-            lastIndex.resize(id + 1);
+    // A few lines ahead are hashed and their slots fetched early: the table is larger than the
+    // cache, and waiting for each slot in turn would dominate.
+    constexpr std::size_t ahead = 16;
+    std::string_view lines[ahead];
+    std::size_t ends[ahead];
+    std::uint64_t hashes[ahead];
+    while (hasA) {
+        std::size_t count = 0;
+        for (; hasA && count < ahead; hasA = left.next(lineA)) {
+            lines[count] = lineA;
+            ends[count++] = left.offset();
         }
-        afterLast[id] = left.offset();
-        lastIndex[id] = static_cast<std::uint32_t>(ids[0].size());
-        ids[0].push_back(id);
+        for (std::size_t j = 0; j < count; ++j) {
+            hashes[j] = Interner<std::string_view>::hashOf(lines[j]);
+            table.prefetch(hashes[j]);
+        }
+        for (std::size_t j = 0; j < count; ++j) {
+            const LineId id = table.idOf(lines[j], hashes[j]);
+            if (id >= afterLast.size()) {
+                afterLast.resize(id + 1);
+                lastIndex.resize(id + 1);
+            }
+            afterLast[id] = ends[j];
+            lastIndex[id] = static_cast<std::uint32_t>(ids[0].size());
+            ids[0].push_back(id);
+        }
     }
 
     // Most lines of b follow their twin in a: try the line after the last twin before hashing.
