@@ -435,18 +435,15 @@ public:
     // Computes all rows, keeping those to keep; returns the value at (n, m).
     std::int64_t run()
     {
-        std::int64_t zerosBefore = 0;
-        std::size_t lo = 0;
-        keep(0, zerosBefore);
+        // One row in place: word w of every row at work[w].
+        Row row{work.data(), 0, hiWord(0), 0};
+        keep(row);
         for (std::size_t x = 1; x <= n; ++x) {
-            advance(x, lo, zerosBefore);
-            if (x % stride == 0)
-                keep(x, zerosBefore);
+            row = step(x, row, work.data() + loWord(x));
+            if (x % stride == 0 || x == n)
+                keep(row);
         }
-        if (n % stride != 0) // the walk back starts here
-            keep(n, zerosBefore);
-        const Row last = at(n);
-        return zerosBelow(last, m);
+        return zerosBelow(at(n), m);
     }
 
     // Row x; asked for with x going down.
@@ -456,18 +453,12 @@ public:
             return kept[x / stride + (x % stride ? 1 : 0)];
         const std::size_t base = x - x % stride;
         if (blockBase != base) {
-            const Row from = kept[base / stride];
-            std::fill(work.begin() + std::ptrdiff_t(from.lo), work.end(), ~Word(0));
-            std::copy(from.words, from.words + (from.hi - from.lo + 1), &work[from.lo]);
-            std::int64_t zerosBefore = from.zerosBefore;
-            std::size_t lo = from.lo;
+            Row row = kept[base / stride];
             Word* out = block.data();
             for (std::size_t r = base + 1; r < base + stride && r < n; ++r) {
-                advance(r, lo, zerosBefore);
-                const std::size_t width = hiWord(r) - lo + 1;
-                std::copy(&work[lo], &work[lo] + width, out);
-                blockRows[r - base - 1] = Row{out, lo, hiWord(r), zerosBefore};
-                out += width;
+                row = step(r, row, out);
+                blockRows[r - base - 1] = row;
+                out += row.hi - row.lo + 1;
             }
             blockBase = base;
         }
@@ -519,20 +510,23 @@ private:
         return last > 1 ? std::min(words - 1, std::size_t(last - 1) / 64) : 0;
     }
 
-    // Row x from row x - 1 in `work`.
-    void advance(std::size_t x, std::size_t& lo, std::int64_t& zerosBefore)
+    // Row x from row x - 1, its words written from `out` on; `out` may be where `prev` has the
+    // same words, as each word is read before it is written.
+    Row step(std::size_t x, const Row& prev, Word* out)
     {
-        const std::size_t newLo = loWord(x), hi = hiWord(x);
-        if (newLo > lo) {
-            zerosBefore += countZeros(&work[lo], newLo - lo);
-            lo = newLo;
-        }
+        const std::size_t lo = loWord(x), hi = hiWord(x);
+        std::int64_t zerosBefore = prev.zerosBefore;
+        if (lo > prev.lo)
+            zerosBefore += countZeros(prev.words, lo - prev.lo);
         stop(std::int64_t(hi - lo + 1));
+        const Word* in = prev.words + (lo - prev.lo);
+        // Words past the previous row's last one have all bits set.
+        const std::size_t known = std::min(hi, prev.hi) + 1 - lo;
         const Index line = a[x - 1];
         const Index dense = masks.slot[std::size_t(line)];
         if (dense != kNone) {
-            update(lo, hi, &masks.masks[std::size_t(dense) * words]);
-            return;
+            update(in, known, &masks.masks[std::size_t(dense) * words + lo], out, hi - lo + 1);
+            return Row{out, lo, hi, zerosBefore};
         }
         // Only the places inside the band matter.
         const std::span<const Index> all = where.of(line);
@@ -540,45 +534,49 @@ private:
         const auto to = std::lower_bound(from, all.end(), Index(std::min(m, (hi + 1) * 64)));
         for (auto j = from; j != to; ++j)
             scratch[std::size_t(*j) / 64] |= Word(1) << (*j % 64);
-        update(lo, hi, scratch.data());
+        update(in, known, &scratch[lo], out, hi - lo + 1);
         for (auto j = from; j != to; ++j)
             scratch[std::size_t(*j) / 64] = 0;
+        return Row{out, lo, hi, zerosBefore};
     }
 
-    void update(std::size_t lo, std::size_t hi, const Word* mask)
+    // out = (v + (v & mask)) | (v & ~mask) over `count` words, with the carry running across
+    // them, where v is `in` for its first `known` words and all ones after.
+    static void update(
+        const Word* in, std::size_t known, const Word* mask, Word* out, std::size_t count)
     {
-        // v = (v + (v & mask)) | (v & ~mask), with the carry running across words: the
-        // processor's add with carry keeps the chain at a cycle or two per word.
-        Word* v = work.data();
 #ifdef __x86_64__
+        // The processor's add with carry keeps the chain at a cycle or two per word.
         unsigned char carry = 0;
-        for (std::size_t w = lo; w <= hi; ++w) {
-            const Word old = v[w];
+        const auto one = [&](std::size_t w, Word old) {
             const Word u = old & mask[w];
             unsigned long long sum;
             carry = _addcarry_u64(carry, old, u, &sum);
-            v[w] = Word(sum) | (old & ~u);
-        }
+            out[w] = Word(sum) | (old & ~u);
+        };
 #else
         Word carry = 0;
-        for (std::size_t w = lo; w <= hi; ++w) {
-            const Word old = v[w];
+        const auto one = [&](std::size_t w, Word old) {
             const Word u = old & mask[w];
             const Word sum = old + u;
             const Word total = sum + carry;
             carry = Word(sum < old) | Word(total < sum);
-            v[w] = total | (old & ~u);
-        }
+            out[w] = total | (old & ~u);
+        };
 #endif
+        std::size_t w = 0;
+        for (; w < known; ++w)
+            one(w, in[w]);
+        for (; w < count; ++w)
+            one(w, ~Word(0));
     }
 
-    void keep(std::size_t x, std::int64_t zerosBefore)
+    void keep(const Row& row)
     {
-        const std::size_t lo = loWord(x), hi = hiWord(x);
         const std::size_t offset = store.size();
-        assert(offset + hi - lo + 1 <= store.capacity());
-        store.insert(store.end(), &work[lo], &work[lo] + (hi - lo + 1));
-        kept.push_back(Row{store.data() + offset, lo, hi, zerosBefore});
+        assert(offset + row.hi - row.lo + 1 <= store.capacity());
+        store.insert(store.end(), row.words, row.words + (row.hi - row.lo + 1));
+        kept.push_back(Row{store.data() + offset, row.lo, row.hi, row.zerosBefore});
     }
 
     std::span<const Index> a;
@@ -586,7 +584,7 @@ private:
     std::int64_t kLo, kHi;
     const Occurrences& where;
     const Masks& masks;
-    std::vector<Word> work, scratch; // the row being computed, full width
+    std::vector<Word> work, scratch; // the row being computed, and a mask, full width
     std::size_t stride = 1;
     std::vector<Word> store; // the kept rows, one after another
     std::vector<Row> kept;
@@ -617,8 +615,8 @@ std::vector<Index> byBits(std::span<const Index> a, std::span<const Index> b, In
         const std::int64_t found = n + m - 2 * length;
         if (found > edits) {
             // Some path has `found` edits, so the answer has no more: a band that wide holds
-            // it. A band twice as wide is often enough, and cheaper.
-            edits = std::min(found, 2 * edits + 64);
+            // it. A band four times as wide is often enough, and cheaper.
+            edits = std::min(found, 4 * edits + 64);
             continue;
         }
 
