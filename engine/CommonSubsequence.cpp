@@ -410,9 +410,11 @@ public:
         , scratch(words, 0)
         , stop(stop)
     {
-        // Keep every row when they fit, else every stride-th one and recompute the rows between
-        // two of them when the walk back comes there: each row is then computed twice, and the
-        // memory is that of 2 sqrt(n) rows.
+        // Keep every row when they fit. Else keep every stride-th one and recompute the rows
+        // between two of them when the walk back comes there: each row is computed twice, and
+        // the memory is that of 2 sqrt(n) rows. When even that is too much, the rows between
+        // two kept ones are recomputed in turn from every step-th of them, kept meanwhile: each
+        // row is computed three times, and the memory is that of 3 n^(1/3) rows.
         std::size_t total = 0, widest = 0;
         for (std::size_t x = 0; x <= n; ++x) {
             const std::size_t width = hiWord(x) - loWord(x) + 1;
@@ -420,9 +422,15 @@ public:
             widest = std::max(widest, width);
         }
         if (total > maxWords) {
-            stride = std::size_t(std::ceil(std::sqrt(double(n + 1))));
-            block.resize((stride - 1) * widest);
-            blockRows.resize(stride - 1);
+            stride = step = std::size_t(std::ceil(std::sqrt(double(n + 1))));
+            if (2 * stride * (widest + kRowExtra) > maxWords) {
+                step = std::size_t(std::ceil(std::cbrt(double(n + 1))));
+                stride = step * step;
+                between.reserve(step * widest);
+                betweenRows.reserve(step);
+            }
+            block.resize((step - 1) * widest);
+            blockRows.resize(step - 1);
             total = 0;
             for (std::size_t x = 0; x <= n; ++x)
                 if (x % stride == 0 || x == n)
@@ -439,7 +447,7 @@ public:
         Row row{work.data(), 0, hiWord(0), 0};
         keep(row);
         for (std::size_t x = 1; x <= n; ++x) {
-            row = step(x, row, work.data() + loWord(x));
+            row = advance(x, row, work.data() + loWord(x));
             if (x % stride == 0 || x == n)
                 keep(row);
         }
@@ -451,12 +459,14 @@ public:
     {
         if (x % stride == 0 || x == n)
             return kept[x / stride + (x % stride ? 1 : 0)];
-        const std::size_t base = x - x % stride;
+        if (x % step == 0)
+            return from(x);
+        const std::size_t base = x - x % step;
         if (blockBase != base) {
-            Row row = kept[base / stride];
+            Row row = from(base);
             Word* out = block.data();
-            for (std::size_t r = base + 1; r < base + stride && r < n; ++r) {
-                row = step(r, row, out);
+            for (std::size_t r = base + 1; r < base + step && r < n; ++r) {
+                row = advance(r, row, out);
                 blockRows[r - base - 1] = row;
                 out += row.hi - row.lo + 1;
             }
@@ -512,7 +522,7 @@ private:
 
     // Row x from row x - 1, its words written from `out` on; `out` may be where `prev` has the
     // same words, as each word is read before it is written.
-    Row step(std::size_t x, const Row& prev, Word* out)
+    Row advance(std::size_t x, const Row& prev, Word* out)
     {
         const std::size_t lo = loWord(x), hi = hiWord(x);
         std::int64_t zerosBefore = prev.zerosBefore;
@@ -571,6 +581,30 @@ private:
             one(w, ~Word(0));
     }
 
+    // Row `base`, a multiple of `step`: kept, or kept between two kept ones.
+    Row from(std::size_t base)
+    {
+        const std::size_t top = base - base % stride;
+        if (base == top)
+            return kept[top / stride];
+        if (betweenTop != top) {
+            between.clear();
+            betweenRows.clear();
+            Row row = kept[top / stride];
+            for (std::size_t r = top + 1; r < top + stride && r < n; ++r) {
+                row = advance(r, row, work.data() + loWord(r));
+                if (r % step == 0) {
+                    const std::size_t offset = between.size();
+                    between.insert(between.end(), row.words, row.words + (row.hi - row.lo + 1));
+                    betweenRows.push_back(
+                        Row{between.data() + offset, row.lo, row.hi, row.zerosBefore});
+                }
+            }
+            betweenTop = top;
+        }
+        return betweenRows[(base - top) / step - 1];
+    }
+
     void keep(const Row& row)
     {
         const std::size_t offset = store.size();
@@ -585,9 +619,12 @@ private:
     const Occurrences& where;
     const Masks& masks;
     std::vector<Word> work, scratch; // the row being computed, and a mask, full width
-    std::size_t stride = 1;
+    std::size_t stride = 1, step = 1; // kept rows, rows kept between them
     std::vector<Word> store; // the kept rows, one after another
     std::vector<Row> kept;
+    std::vector<Word> between; // every step-th row after one kept row, up to the next one
+    std::vector<Row> betweenRows;
+    std::size_t betweenTop = SIZE_MAX;
     std::vector<Word> block; // the rows recomputed between two kept ones
     std::vector<Row> blockRows;
     std::size_t blockBase = SIZE_MAX;

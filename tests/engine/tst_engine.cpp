@@ -274,7 +274,7 @@ void TestEngine::randomPairsAgreeWithReference()
         }
         return t;
     };
-    // A small memory limit pushes the bit rows through their checkpoint path.
+    // A small memory limit pushes the bit rows through their paths that keep only some rows.
     const CommonSubsequence::Limits tight{2};
     for (int round = 0; round < 10000; ++round) {
         const std::size_t letters = 2 + round % 6;
@@ -364,9 +364,11 @@ void TestEngine::editedTextsAgreeWithReference()
         const Records expected
             = lines > 1000 ? compare(a, b, Method::Threshold) : Reference::differences(a, b);
         QVERIFY(!expected.empty());
+        // All bit rows kept; every cube-root-th and every square-root-th kept and the others
+        // computed again; every square-root-th kept.
         for (Method method : allMethods)
-            for (const CommonSubsequence::Limits& limits :
-                {CommonSubsequence::Limits{}, CommonSubsequence::Limits{64}})
+            for (const CommonSubsequence::Limits& limits : {CommonSubsequence::Limits{},
+                     CommonSubsequence::Limits{64}, CommonSubsequence::Limits{20000}})
                 QCOMPARE(show(compare(a, b, method, limits)), show(expected));
     }
 }
