@@ -35,6 +35,29 @@ std::uint64_t hashBytes(const void* data, std::size_t size)
     return h;
 }
 
+// A slot of the tables below, which find a line's id by its hash.
+struct Slot
+{
+    LineId idPlusOne; // 0 when free
+    std::uint32_t tag; // high half of the hash: most unequal lines are never read
+};
+
+// Doubles a table three quarters full, placing each id again by `hashOf(id)`.
+template <class HashOf> void grow(std::vector<Slot>& slots, HashOf hashOf)
+{
+    std::vector<Slot> old(slots.size() * 2, Slot{0, 0});
+    old.swap(slots);
+    const std::size_t mask = slots.size() - 1;
+    for (const Slot& slot : old) {
+        if (slot.idPlusOne == 0)
+            continue;
+        std::size_t s = hashOf(slot.idPlusOne - 1) & mask;
+        while (slots[s].idPlusOne != 0)
+            s = (s + 1) & mask;
+        slots[s] = slot;
+    }
+}
+
 template <class View> class Interner
 {
 public:
@@ -110,7 +133,7 @@ public:
                 slot = Slot{static_cast<LineId>(first.size()), tag};
                 const LineId id = slot.idPlusOne - 1;
                 if (first.size() * 4 > slots.size() * 3)
-                    grow();
+                    grow(slots, [&](LineId old) { return hashOf(first[old]); });
                 return id;
             }
             if (slot.tag == tag && first[slot.idPlusOne - 1] == line)
@@ -119,27 +142,6 @@ public:
     }
 
 private:
-    struct Slot
-    {
-        LineId idPlusOne; // 0 when free
-        std::uint32_t tag; // high half of the hash: most unequal lines are never read
-    };
-
-    void grow()
-    {
-        std::vector<Slot> old(slots.size() * 2, Slot{0, 0});
-        old.swap(slots);
-        const std::size_t mask = slots.size() - 1;
-        for (const Slot& slot : old) {
-            if (slot.idPlusOne == 0)
-                continue;
-            std::size_t s = hashOf(first[slot.idPlusOne - 1]) & mask;
-            while (slots[s].idPlusOne != 0)
-                s = (s + 1) & mask;
-            slots[s] = slot;
-        }
-    }
-
     std::vector<Slot> slots; // sized for all lines, so it never fills
     std::vector<View> first; // per id, its first line
 };
@@ -178,11 +180,6 @@ public:
     }
 
 private:
-    struct Slot
-    {
-        LineId idPlusOne; // 0 when free
-        std::uint32_t tag; // high half of the hash: most unequal lines are never read
-    };
     struct Place
     {
         std::uint32_t side;
@@ -202,7 +199,10 @@ private:
                 slot = Slot{static_cast<LineId>(first.size()), tag};
                 const LineId id = slot.idPlusOne - 1;
                 if (first.size() * 4 > slots.size() * 3)
-                    grow();
+                    grow(slots, [&](LineId old) {
+                        const Place p = first[old];
+                        return sources[p.side]->lineHash(p.index);
+                    });
                 return id;
             }
             if (slot.tag == tag) {
@@ -210,22 +210,6 @@ private:
                 if (sources[p.side]->line(p.index) == sources[side]->line(index))
                     return slot.idPlusOne - 1;
             }
-        }
-    }
-
-    void grow()
-    {
-        std::vector<Slot> old(slots.size() * 2, Slot{0, 0});
-        old.swap(slots);
-        const std::size_t mask = slots.size() - 1;
-        for (const Slot& slot : old) {
-            if (slot.idPlusOne == 0)
-                continue;
-            const Place p = first[slot.idPlusOne - 1];
-            std::size_t s = sources[p.side]->lineHash(p.index) & mask;
-            while (slots[s].idPlusOne != 0)
-                s = (s + 1) & mask;
-            slots[s] = slot;
         }
     }
 

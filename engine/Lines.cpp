@@ -58,6 +58,23 @@ std::size_t skipPlain(std::u16string_view, std::size_t i)
     return i;
 }
 
+// Where the next line ending at or after `i` starts, with its length; the end of the text and
+// 0 when there is none.
+template <class View> std::size_t nextEnding(View text, std::size_t i, std::size_t& length)
+{
+    while (i < text.size()) {
+        i = skipPlain(text, i);
+        if (i >= text.size())
+            break;
+        length = endingAt(text, i);
+        if (length != 0)
+            return i;
+        ++i;
+    }
+    length = 0;
+    return text.size();
+}
+
 template <class View> std::vector<View> split(View text)
 {
     std::vector<View> lines;
@@ -65,19 +82,13 @@ template <class View> std::vector<View> split(View text)
     // costs more than this count.
     lines.reserve(std::size_t(std::count(text.begin(), text.end(), '\n')) + 1);
     std::size_t start = 0;
-    std::size_t i = 0;
-    while (i < text.size()) {
-        i = skipPlain(text, i);
-        if (i >= text.size())
+    for (;;) {
+        std::size_t length;
+        const std::size_t at = nextEnding(text, start, length);
+        if (length == 0)
             break;
-        const std::size_t ending = endingAt(text, i);
-        if (ending == 0) {
-            ++i;
-            continue;
-        }
-        lines.push_back(text.substr(start, i - start));
-        i += ending;
-        start = i;
+        lines.push_back(text.substr(start, at - start));
+        start = at + length;
     }
     lines.push_back(text.substr(start));
     return lines;
@@ -99,22 +110,11 @@ bool LineCursor::next(std::string_view& line)
 {
     if (done)
         return false;
-    for (std::size_t i = pos; i < text.size();) {
-        i = skipPlain(text, i);
-        if (i >= text.size())
-            break;
-        const std::size_t ending = endingAt(text, i);
-        if (ending == 0) {
-            ++i;
-            continue;
-        }
-        line = text.substr(pos, i - pos);
-        pos = i + ending;
-        return true;
-    }
-    line = text.substr(pos);
-    pos = text.size();
-    done = true;
+    std::size_t length;
+    const std::size_t at = nextEnding(text, pos, length);
+    line = text.substr(pos, at - pos);
+    pos = at + length;
+    done = length == 0;
     return true;
 }
 
