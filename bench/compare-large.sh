@@ -40,9 +40,11 @@ fi
 tmp=$(mktemp -d)
 trap 'rm -rf "$tmp"' EXIT
 
-# "seconds KB" of one run; a run cut after LIMIT seconds gives ">LIMIT" and its peak so far.
+# "seconds KB" of one run, the seconds being CPU time (user + system): on a shared machine the
+# elapsed time of a long run says more about the other work than about the run. A run cut
+# after LIMIT seconds (elapsed) gives ">LIMIT" and its peak so far.
 measure() {
-    /usr/bin/time -f '%e %M' -o "$tmp/time" "$@" >"$tmp/out" 2>"$tmp/err" &
+    /usr/bin/time -f '%U %S %M' -o "$tmp/time" "$@" >"$tmp/out" 2>"$tmp/err" &
     local timer=$! ticks=0 cut=0 status=0 child
     while kill -0 "$timer" 2>/dev/null; do
         sleep 0.1
@@ -55,11 +57,11 @@ measure() {
     done
     wait "$timer" || status=$?
     if ((cut)); then
-        echo ">$limit $(tail -n 1 "$tmp/time" | awk '{ print $2 }')"
+        echo ">$limit $(tail -n 1 "$tmp/time" | awk '{ print $3 }')"
     elif ((status > 1)); then
         die "$* failed (exit $status): $(head -n 3 "$tmp/err")"
     else
-        tail -n 1 "$tmp/time"
+        tail -n 1 "$tmp/time" | awk '{ printf "%.2f %s\n", $1 + $2, $3 }'
     fi
 }
 mb() { awk -v k="$1" 'BEGIN { if (k == "-") print "-"; else printf "%.1f", k / 1024 }'; }
@@ -67,7 +69,7 @@ mb() { awk -v k="$1" 'BEGIN { if (k == "-") print "-"; else printf "%.1f", k / 1
 ratio() { awk -v a="$1" -v b="$2" 'BEGIN { if (b + 0 > 0 && a !~ />/ && b !~ />/) printf "%.2f", a / b; else print "-" }'; }
 
 failed=0
-echo "| pair | ours (s) | diff (s) | git diff (s) | time ours/diff | ours RSS (MB) | diff RSS (MB) | git diff RSS (MB) | RSS ours/diff |"
+echo "| pair | ours (CPU s) | diff (CPU s) | git diff (CPU s) | time ours/diff | ours RSS (MB) | diff RSS (MB) | git diff RSS (MB) | RSS ours/diff |"
 echo "|---|---:|---:|---:|---:|---:|---:|---:|---:|"
 for pair in "${pairs[@]}"; do
     left=$data/$pair.left
@@ -96,6 +98,6 @@ for pair in "${pairs[@]}"; do
     echo "| $pair | $t_ours | $t_diff | $t_git | $(ratio "$t_ours" "$t_diff") | $(mb "$r_ours") | $(mb "$r_diff") | $(mb "$r_git") | $(ratio "$r_ours" "$r_diff") |"
 done
 echo
-echo "One run each (GNU time: elapsed, peak RSS), runs cut after $limit s;" \
+echo "One run each (GNU time: CPU seconds, peak RSS), runs cut after $limit s elapsed;" \
     "$(date +%F), $(nproc) cores, $(uname -sr)."
 exit "$failed"

@@ -142,7 +142,7 @@ public:
     }
 
 private:
-    std::vector<Slot> slots; // sized for all lines, so it never fills
+    std::vector<Slot> slots; // a power of two, at most three quarters full
     std::vector<View> first; // per id, its first line
 };
 
@@ -241,13 +241,12 @@ std::array<LineIds, 2> internTextLines(std::string_view a, std::string_view b, s
     const std::size_t guess = std::min<std::size_t>((a.size() + b.size()) / 16, 1 << 20);
     Interner<std::string_view> table(guess);
     std::array<LineIds, 2> ids;
-    // At most one line more than line endings: counted, to grow the arrays once.
+    // One line more than LF endings in the usual text: counted, to grow the arrays once.
     const auto endings = [](std::string_view text) {
-        return std::size_t(std::count(text.begin(), text.end(), '\n'))
-            + std::size_t(std::count(text.begin(), text.end(), '\r')) + 1;
+        return std::size_t(std::count(text.begin(), text.end(), '\n')) + 1;
     };
-    ids[0].reserve(endings(a) - head);
-    ids[1].reserve(endings(b) - head);
+    ids[0].reserve(std::max(endings(a), head) - head);
+    ids[1].reserve(std::max(endings(b), head) - head);
     // Per id, where the line after its last place in a starts, and its number there.
     std::vector<std::size_t> afterLast;
     std::vector<std::uint32_t> lastIndex;
