@@ -7,7 +7,6 @@
 #include "TextArea.h"
 #include "globals.h"
 
-
 using namespace toolkit;
 
 HelpWindow::HelpWindow()

@@ -6,7 +6,7 @@
 #include "Timer.h"
 #include "globals.h"
 
-void App::Event_OpenDocument(const QString& path)
+void App::Event_OpenDocument(const QByteArray& path)
 {
     auto& win = toolkit::implicitInstance<DiffWin>();
     win.Timer3->setMode(1);
@@ -17,7 +17,7 @@ void App::Event_OpenDocument(const QString& path)
     globals::fCount += 1;
 }
 
-void App::openDocuments(const QStringList& paths)
+void App::openDocuments(const QByteArrayList& paths)
 {
     pendingDocuments += paths;
     // A read runs the event loop, so more documents can arrive during one: they queue here

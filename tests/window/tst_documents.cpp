@@ -502,7 +502,7 @@ void TstDocuments::openedDocumentsComeInBatches()
     w->curDiffNum = 3;
     w->onlyFirst = false;
     // A refused document still takes its pane; past two, the batch ignores the rest.
-    app.openDocuments({paths[0], paths[1], paths[2]});
+    app.openDocuments({paths[0].toUtf8(), paths[1].toUtf8(), paths[2].toUtf8()});
     QCOMPARE(w->titleBox[0]->Caption(), QStringLiteral("1.txt"));
     QCOMPARE(w->titleBox[1]->Caption(), globals::kBoxRight());
     QCOMPARE(globals::fCount, 2);
@@ -511,7 +511,7 @@ void TstDocuments::openedDocumentsComeInBatches()
     QCOMPARE(w->curDiffNum, 3);
 
     emit w->Timer3->Action();
-    app.openDocuments({paths[3]});
+    app.openDocuments({paths[3].toUtf8()});
     QCOMPARE(w->titleBox[0]->Caption(), QStringLiteral("4.txt"));
     QCOMPARE(globals::fCount, 1);
 }
