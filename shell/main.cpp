@@ -140,7 +140,13 @@ int main(int argc, char** argv)
     quitOnSignals(app.get());
     // After the window's first paint is queued, so it is on screen while the files are read.
     if (!paths.isEmpty())
-        QTimer::singleShot(0, app.get(), [paths] { App::instance().openDocuments(paths); });
+        QTimer::singleShot(0, app.get(), [paths] {
+            // The launch's own files are told of on its console too.
+            auto& win = toolkit::implicitInstance<DiffWin>();
+            win.echoNotices = true;
+            App::instance().openDocuments(paths);
+            win.echoNotices = false;
+        });
     const int code = App::exec();
 
     channel.reset();
