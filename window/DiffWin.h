@@ -143,10 +143,11 @@ private:
     void readPlain(const toolkit::FolderItem& file, int index, toolkit::TextArea* pane,
         toolkit::BevelButton* title);
     void refused(const toolkit::FolderItem& file, const QString& reason);
+    // Whether the read under way has told of something, so its notice stays.
+    bool noticedThisRead = false;
 
     // Runs the pass and shows "All same!" when it drew no band.
     void updateFilm();
-    bool noticedThisRead = false;
     void clickBand(const indicator::Band& band, int diffIndex);
     void goToDifference(int n);
     void makeFirstCurrent();

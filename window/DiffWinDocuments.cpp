@@ -128,11 +128,13 @@ void DiffWin::readStyled(const FolderItem& file, int index, TextArea* pane, cons
         file.NativeBytes(), *doc, [](double) { return keepReading(); });
     // A file read is not an edit to undo.
     doc->clearUndoRedoStacks();
-    if (!read.read)
-        refused(file,
-            read.leftPackage ? globals::kNoticeOutsidePackage() : globals::kNoticeUnreadable());
-    if (read.leftPackage && read.read)
+    // A package that reaches outside itself is told of however it came in.
+    if (read.leftPackage && !read.read)
+        notice(globals::kNoticeNotRead().arg(file.DisplayName(), globals::kNoticeOutsidePackage()));
+    else if (read.leftPackage)
         notice(globals::kNoticeLinkRefused().arg(file.DisplayName()));
+    else if (!read.read)
+        refused(file, globals::kNoticeUnreadable());
     if (read.picturesLeftOut)
         notice(globals::kNoticePictures().arg(file.DisplayName()));
     SameFilm->setVisible(txtBox[0]->StyledText() == txtBox[1]->StyledText());

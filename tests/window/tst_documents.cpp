@@ -390,6 +390,13 @@ void TstDocuments::styledTextHidesThePopupUntilAPlainFile()
     load(w, folder, 0);
     QCOMPARE(w->txtBox[0]->Text(), QStringLiteral("In a package"));
     QCOMPARE(w->TELabel[0]->text(), QStringLiteral("RichText(RTFD)"));
+    // A package whose text leads outside it is refused, and said so even for a drop.
+    const QString escaping = files.folder("escaping.rtfd");
+    QVERIFY(QFile::link(files.path("doc.rtf"), escaping + "/TXT.rtf"));
+    load(w, escaping, 0);
+    QCOMPARE(w->txtBox[0]->Text(), QString());
+    QCOMPARE(w->noticeBar->text(),
+        QStringLiteral("escaping.rtfd was not read: its text lies outside the package."));
 
     // A plain file brings the popup back at UTF-8, whatever it said before.
     load(w, files.write("plain.txt", "café\n"), 1);
