@@ -237,9 +237,11 @@ private:
         QString resource; // empty: could not be shown
         QSize size;
     };
-    // By the attachment's name as written, and by the content of a picture: a package that
-    // names one file under many names, or a document with one picture many times, holds it once.
+    // By the attachment's name as written, by the file it leads to, and by the content of a
+    // picture: a package that names one file under many names, or a document with one picture
+    // many times, reads and holds it once.
     QHash<QString, Loaded> attachments;
+    QHash<QByteArray, Loaded> byPath;
     QHash<QByteArray, Loaded> byContent;
     QString placeholderResource;
     int runsInParagraph = 0;
@@ -996,9 +998,13 @@ void Reader::endAttachment()
         bool leaves = false;
         const std::optional<QByteArray> path = insidePackage(packageFolder, name.toUtf8(), &leaves);
         result.leftPackage = result.leftPackage || leaves;
-        if (const auto data = path ? readAttachment(*path, kMaxPictureBytes) : std::nullopt)
+        if (path && byPath.contains(*path))
+            loaded = byPath.value(*path);
+        else if (const auto data = path ? readAttachment(*path, kMaxPictureBytes) : std::nullopt)
             loaded.resource
                 = pictureResource(QByteArray(data->data.get(), qsizetype(data->size)), loaded.size);
+        if (path)
+            byPath.insert(*path, loaded);
         known = attachments.insert(name, loaded);
     }
     if (known->resource.isEmpty())

@@ -7,6 +7,7 @@
 #include "TextArea.h"
 #include "globals.h"
 
+
 using namespace toolkit;
 
 HelpWindow::HelpWindow()
