@@ -181,6 +181,8 @@ void TstDocuments::readingByKind_data()
                                     << "bytes" << true << true;
     QTest::newRow("name with a line break") << "two\nlines.txt"
                                             << "file" << true << true;
+    QTest::newRow("name with a direction override and NEL") << "a\u202Eb\u0085.txt"
+                                                            << "file" << true << true;
 }
 
 // Each kind of path: whether the pane takes its text and whether the title shows its name.
@@ -237,7 +239,11 @@ void TstDocuments::readingByKind()
     }
     const QString title = kind == "link" ? QStringLiteral("target.txt")
         : kind == "bytes"                ? QStringLiteral("a\\xff.txt")
-                                         : QFileInfo(name).fileName().replace('\n', "\\n");
+                                         : QFileInfo(name)
+                                .fileName()
+                                .replace('\n', "\\n")
+                                .replace(QChar(0x202E), "\\u{202e}")
+                                .replace(QChar(0x85), "\\x85");
     QCOMPARE(w->titleBox[0]->Caption(), titled ? title : globals::kBoxLeft());
     QCOMPARE(w->dirty, titled);
     QCOMPARE(w->txtBox[1]->Text(), other);
