@@ -2,7 +2,6 @@
 
 #include <QByteArrayList>
 
-#include <climits>
 #include <cstdlib>
 #include <memory>
 #include <sys/stat.h>
