@@ -183,6 +183,10 @@ std::optional<FileBytes> readWholeFile(
         error = quoted(path) + " has more than " + std::to_string(maxSize) + " bytes";
         return std::nullopt;
     }
+    if (file.shrank()) {
+        error = quoted(path) + " shrank while being read";
+        return std::nullopt;
+    }
     if (file.grew()) {
         // Chasing a file that is being written to could go on for ever.
         error = quoted(path) + " grew while being read";

@@ -40,6 +40,8 @@ public:
     bool atEnd() const { return ended; }
     // True when the file had more than its size at opening: it was written to meanwhile.
     bool grew();
+    // True when the file ended before the size it had at opening: it was cut meanwhile.
+    bool shrank() const { return ended && problem.empty() && size > 0 && taken < size; }
 
     static constexpr std::uint64_t kUnsizedLimit = std::uint64_t(64) << 20;
 
@@ -61,7 +63,7 @@ struct FileBytes
 };
 
 // Reads a regular file whole; nothing and a one-line reason in `error` when it can't, when the
-// file grew while it was read, or when it has more than `maxSize` bytes.
+// file grew or shrank while it was read, or when it has more than `maxSize` bytes.
 std::optional<FileBytes> readWholeFile(const std::string& path, std::string& error,
     std::uint64_t maxSize = std::numeric_limits<std::uint64_t>::max());
 

@@ -10,14 +10,21 @@
 
 namespace documents {
 
-// The picture in `bytes`, its format told by its content; a null image when it can't be read or
-// would have more than `maxPixels` pixels, which is checked before any pixel is decoded.
-QImage decodePicture(const QByteArray& bytes, qint64 maxPixels);
+// The picture in `bytes`, its format told by its content; a null image when it can't be read,
+// would have more than `maxPixels` pixels or take more than `maxBytes` decoded, which is
+// checked from its header before any pixel is decoded. `tooLarge`, if given, tells the last two
+// apart from the first.
+QImage decodePicture(
+    const QByteArray& bytes, qint64 maxPixels, qint64 maxBytes, bool* tooLarge = nullptr);
 
-// The bytes of the attachment `name` in the package `folder`. Nothing when the name is absolute,
-// climbs with "..", or leads outside the folder through a link, when it names anything but a
-// regular file, or when the file has more than `maxBytes`.
-std::optional<FileBytes> readAttachment(
-    const QString& folder, const QString& name, qint64 maxBytes);
+// The canonical path of `name` inside `folder` (both as bytes), links resolved; nothing when
+// it is absolute, climbs with "..", or leads outside the folder (`leaves`, if given, is then
+// set), or names nothing.
+std::optional<QByteArray> insidePackage(
+    const QByteArray& folder, const QByteArray& name, bool* leaves = nullptr);
+
+// The bytes of the file at `path`; nothing when it is not a regular file or has more than
+// `maxBytes`.
+std::optional<FileBytes> readAttachment(const QByteArray& path, qint64 maxBytes);
 
 } // namespace documents

@@ -6,8 +6,7 @@
 #include "RtfWords.h"
 
 #include <QColor>
-#include <QFile>
-#include <QFileInfo>
+#include <QCryptographicHash>
 #include <QHash>
 #include <QTextBlockFormat>
 #include <QTextCharFormat>
@@ -36,8 +35,9 @@ namespace {
 // Limits that keep hostile files cheap; real documents stay far below them.
 constexpr std::size_t kMaxDepth = 256; // deeper groups share the state of the last one kept
 constexpr qsizetype kMaxPictureBytes = qsizetype(64) << 20;
-constexpr qint64 kMaxPicturePixels = qint64(32) << 20; // 128 MB at four bytes a pixel
-constexpr qint64 kMaxDocumentPixels = qint64(128) << 20;
+constexpr qint64 kMaxPicturePixels = qint64(32) << 20;
+// What the decoded pictures of one document may take together.
+constexpr qint64 kMaxPictureMemory = qint64(256) << 20;
 constexpr std::size_t kMaxTableEntries = 4096; // fonts, colours
 constexpr qsizetype kMaxNameLength = 1024;
 constexpr int kMaxHalfPoints = 2000;
@@ -46,6 +46,12 @@ constexpr double kTwipsPerPixel = 15.0; // 1440 an inch at 96 pixels an inch
 constexpr double kMaxShownPixels = kMaxTwips / kTwipsPerPixel;
 constexpr int kMaxUnicodeSkip = 16;
 constexpr std::size_t kCachedFormats = 32;
+// Laying out a paragraph costs more than linear time in its format changes: past this many,
+// the rest of the paragraph keeps the format it has.
+constexpr int kMaxRunsPerParagraph = 512;
+constexpr int kPlaceholderSize = 32;
+// How much input is read between two calls of the progress callback.
+constexpr std::size_t kProgressStep = std::size_t(64) << 10;
 
 bool isLetter(char c)
 {
@@ -139,15 +145,17 @@ struct AttachmentData
 class Reader
 {
 public:
-    Reader(std::string_view input, QTextDocument& doc, const QString& packageFolder)
+    Reader(std::string_view input, QTextDocument& doc, const QByteArray& packageFolder,
+        RichTextRead& result)
         : in(input)
         , doc(doc)
         , cursor(&doc)
         , packageFolder(packageFolder)
+        , result(result)
     {
     }
 
-    void read();
+    void read(const ReadProgress& between);
 
 private:
     static bool isBlank(char c)
@@ -189,6 +197,10 @@ private:
     void endPicture();
     void endAttachment();
     QString addImage(const QImage& image);
+    // The resource of the picture in `bytes`, decoded once per content; empty when it can't
+    // be shown.
+    QString pictureResource(const QByteArray& bytes, QSize& size);
+    QString placeholder();
     void insertImage(const QString& resource, QSizeF shown);
 
     bool tracking() const { return untracked == 0; }
@@ -218,14 +230,21 @@ private:
     bool colourGiven = false;
     PictureData picture;
     AttachmentData attachment;
-    qint64 pixelsLeft = kMaxDocumentPixels;
+    qint64 memoryLeft = kMaxPictureMemory;
     int images = 0;
     struct Loaded
     {
         QString resource; // empty: could not be shown
         QSize size;
     };
+    // By the attachment's name as written, by the file it leads to, and by the content of a
+    // picture: a package that names one file under many names, or a document with one picture
+    // many times, reads and holds it once.
     QHash<QString, Loaded> attachments;
+    QHash<QByteArray, Loaded> byPath;
+    QHash<QByteArray, Loaded> byContent;
+    QString placeholderResource;
+    int runsInParagraph = 0;
 
     std::string bytes; // text bytes not decoded yet: a double-byte character can span escapes
     QString run;
@@ -236,17 +255,26 @@ private:
 
     QTextDocument& doc;
     QTextCursor cursor;
-    QString packageFolder;
+    QByteArray packageFolder;
+    RichTextRead& result;
 };
 
-void Reader::read()
+void Reader::read(const ReadProgress& between)
 {
     // One edit for the whole document: the layout is not redone after each piece.
     cursor.beginEditBlock();
     contentEnd = in.size();
     while (contentEnd > 0 && isBlank(in[contentEnd - 1]))
         --contentEnd;
+    std::size_t nextLook = kProgressStep;
     while (pos < in.size()) {
+        if (pos >= nextLook && between) {
+            nextLook = pos + kProgressStep;
+            if (!between(double(pos) / double(in.size()))) {
+                result.stopped = true;
+                break;
+            }
+        }
         const char c = in[pos++];
         switch (c) {
         case '{':
@@ -734,7 +762,7 @@ void Reader::emitText(QStringView text)
     }
     if (text.isEmpty() || st.chars.hidden)
         return;
-    if (st.chars != runProps) {
+    if (st.chars != runProps && runsInParagraph < kMaxRunsPerParagraph) {
         flushRun();
         runProps = st.chars;
     }
@@ -762,6 +790,7 @@ void Reader::flushRun()
     }
     cursor.insertText(run, charFormat(runProps));
     run.clear();
+    ++runsInParagraph;
 }
 
 void Reader::paragraph()
@@ -774,6 +803,7 @@ void Reader::paragraph()
     cursor.setBlockFormat(format);
     cursor.insertBlock(format, charFormat(st.chars));
     paragraphHasContent = false;
+    runsInParagraph = 0;
 }
 
 void Reader::cell()
@@ -939,20 +969,20 @@ void Reader::endPicture()
 {
     const PictureData taken = std::move(picture);
     picture = {};
-    if (!taken.readable || taken.tooLarge || taken.bytes.isEmpty() || st.chars.hidden
-        || pixelsLeft <= 0)
+    if (!taken.readable || taken.bytes.isEmpty() || st.chars.hidden)
         return;
-    const QImage image = decodePicture(taken.bytes, std::min(kMaxPicturePixels, pixelsLeft));
-    if (image.isNull())
-        return;
+    QSize size(kPlaceholderSize, kPlaceholderSize);
+    const QString resource = taken.tooLarge ? placeholder() : pictureResource(taken.bytes, size);
+    if (resource.isEmpty())
+        return; // not a picture we can read
     // Goals are twips; \picw and \pich are pixels for the bitmaps we show.
     const double width = taken.goalWidth > 0 ? taken.goalWidth / kTwipsPerPixel
         : taken.width > 0                    ? taken.width
-                                             : image.width();
+                                             : size.width();
     const double height = taken.goalHeight > 0 ? taken.goalHeight / kTwipsPerPixel
         : taken.height > 0                     ? taken.height
-                                               : image.height();
-    insertImage(addImage(image), QSizeF(width * taken.scaleX / 100, height * taken.scaleY / 100));
+                                               : size.height();
+    insertImage(resource, QSizeF(width * taken.scaleX / 100, height * taken.scaleY / 100));
 }
 
 void Reader::endAttachment()
@@ -961,20 +991,20 @@ void Reader::endAttachment()
     attachment = {};
     if (packageFolder.isEmpty() || st.chars.hidden)
         return;
-    // A package may show one picture many times; it is read and kept once.
     const QString name = taken.name.trimmed();
     auto known = attachments.find(name);
     if (known == attachments.end()) {
         Loaded loaded;
-        const auto data
-            = pixelsLeft > 0 ? readAttachment(packageFolder, name, kMaxPictureBytes) : std::nullopt;
-        if (data) {
-            const QImage image
-                = decodePicture(QByteArray::fromRawData(data->data.get(), qsizetype(data->size)),
-                    std::min(kMaxPicturePixels, pixelsLeft));
-            if (!image.isNull())
-                loaded = {addImage(image), image.size()};
-        }
+        bool leaves = false;
+        const std::optional<QByteArray> path = insidePackage(packageFolder, name.toUtf8(), &leaves);
+        result.leftPackage = result.leftPackage || leaves;
+        if (path && byPath.contains(*path))
+            loaded = byPath.value(*path);
+        else if (const auto data = path ? readAttachment(*path, kMaxPictureBytes) : std::nullopt)
+            loaded.resource
+                = pictureResource(QByteArray(data->data.get(), qsizetype(data->size)), loaded.size);
+        if (path)
+            byPath.insert(*path, loaded);
         known = attachments.insert(name, loaded);
     }
     if (known->resource.isEmpty())
@@ -984,9 +1014,47 @@ void Reader::endAttachment()
             taken.height > 0 ? taken.height / kTwipsPerPixel : known->size.height()));
 }
 
+QString Reader::pictureResource(const QByteArray& bytes, QSize& size)
+{
+    const QByteArray key = QCryptographicHash::hash(bytes, QCryptographicHash::Sha256);
+    auto known = byContent.find(key);
+    if (known == byContent.end()) {
+        Loaded loaded;
+        bool tooLarge = memoryLeft <= 0;
+        const QImage image
+            = tooLarge ? QImage() : decodePicture(bytes, kMaxPicturePixels, memoryLeft, &tooLarge);
+        if (!image.isNull())
+            loaded = {addImage(image), image.size()};
+        else if (tooLarge)
+            loaded = {placeholder(), QSize(kPlaceholderSize, kPlaceholderSize)};
+        known = byContent.insert(key, loaded);
+    }
+    size = known->size;
+    return known->resource;
+}
+
+QString Reader::placeholder()
+{
+    result.picturesLeftOut = true;
+    if (placeholderResource.isEmpty()) {
+        // A grey box, crossed.
+        const int last = kPlaceholderSize - 1;
+        QImage box(kPlaceholderSize, kPlaceholderSize, QImage::Format_RGB32);
+        box.fill(QColor(0xDD, 0xDD, 0xDD));
+        for (int i = 0; i <= last; ++i) {
+            for (const QPoint p : {QPoint(i, 0), QPoint(i, last), QPoint(0, i), QPoint(last, i),
+                     QPoint(i, i), QPoint(last - i, i)})
+                box.setPixel(p, qRgb(0x99, 0x99, 0x99));
+        }
+        placeholderResource = QStringLiteral("rtf-picture:placeholder");
+        doc.addResource(QTextDocument::ImageResource, QUrl(placeholderResource), box);
+    }
+    return placeholderResource;
+}
+
 QString Reader::addImage(const QImage& image)
 {
-    pixelsLeft -= qint64(image.width()) * image.height();
+    memoryLeft -= image.sizeInBytes();
     const QString name = QStringLiteral("rtf-picture:%1").arg(++images);
     doc.addResource(QTextDocument::ImageResource, QUrl(name), image);
     return name;
@@ -1032,30 +1100,43 @@ std::size_t documentStart(std::string_view bytes)
 
 } // namespace
 
-bool readRtf(std::string_view bytes, QTextDocument& doc, const QString& packageFolder)
+RichTextRead readRtf(std::string_view bytes, QTextDocument& doc, const QByteArray& packageFolder,
+    const ReadProgress& between)
 {
+    RichTextRead result;
     doc.clear();
     const std::size_t start = documentStart(bytes);
-    if (start == std::string_view::npos)
-        return false;
+    if (start == std::string_view::npos) {
+        result.error = "not rich text";
+        return result;
+    }
     const bool undo = doc.isUndoRedoEnabled();
     doc.setUndoRedoEnabled(false);
-    Reader(bytes.substr(start), doc, packageFolder).read();
+    Reader(bytes.substr(start), doc, packageFolder, result).read(between);
     doc.setUndoRedoEnabled(undo);
-    return true;
+    result.read = true;
+    return result;
 }
 
-bool readRichTextFile(const QString& path, QTextDocument& doc)
+RichTextRead readRichTextFile(
+    const QByteArray& path, QTextDocument& doc, const ReadProgress& between)
 {
     doc.clear();
     // An .rtfd is a folder; its text is TXT.rtf and its pictures lie beside it.
-    const bool package = QFileInfo(path).isDir();
-    const QString file = package ? path + QStringLiteral("/TXT.rtf") : path;
-    std::string error;
-    const auto bytes = readWholeFile(QFile::encodeName(file).toStdString(), error);
+    RichTextRead result;
+    const bool package = pathKind(path.toStdString()) == PathKind::Folder;
+    std::optional<QByteArray> file = path;
+    if (package) {
+        file = insidePackage(path, "TXT.rtf", &result.leftPackage);
+        if (!file) {
+            result.error = result.leftPackage ? "its text lies outside the package" : "no TXT.rtf";
+            return result;
+        }
+    }
+    const auto bytes = readWholeFile(file->toStdString(), result.error);
     if (!bytes)
-        return false;
-    return readRtf(bytes->view(), doc, package ? path : QString());
+        return result;
+    return readRtf(bytes->view(), doc, package ? path : QByteArray(), between);
 }
 
 } // namespace documents

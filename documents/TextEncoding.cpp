@@ -1,6 +1,7 @@
 #include "TextEncoding.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstring>
 #include <limits>
@@ -10,6 +11,7 @@
 #include <unicode/ucnv_cb.h>
 #include <unicode/utf16.h>
 #include <unicode/utf8.h>
+#include <vector>
 
 namespace documents {
 
@@ -193,13 +195,136 @@ std::size_t decodeIso2022Jp(std::string_view bytes, char16_t* out, std::size_t c
     return std::size_t(o - out);
 }
 
-// IBM's table behind windows-31j swaps three control codes (1A, 1C and 7F) that Windows and
-// every other reader keep as they are. Nothing else decodes to these units, so the output can
-// be set right afterwards.
-void unswapControls(char16_t* text, std::size_t length)
+// ICU swallows the byte after a lead whose pair it can't map, an ASCII letter or line break
+// included, and reads EUC-JP's stray C1 bytes as controls. So ICU gives only the characters:
+// each valid code is asked of it once, into tables, and the bytes are walked here, bad
+// sequences as the WHATWG decoders end them. A byte that was not taken into a character is
+// read again on its own when it is ASCII.
+struct JapaneseTables
 {
-    for (char16_t* c = text; c < text + length; ++c)
-        *c = *c == 0x1C ? u'\x1A' : *c == 0x7F ? u'\x1C' : *c == 0x1A ? u'\x7F' : *c;
+    std::array<char16_t, 256> sjisSingle{}; // kNoChar: a lead or a bad byte
+    std::vector<char16_t> sjisPairs = std::vector<char16_t>(0x10000, kNoChar); // lead << 8 | trail
+    std::array<char16_t, 94 * 94> euc0208{};
+    std::array<char16_t, 94 * 94> euc0212{};
+    std::array<char16_t, 63> eucKana{};
+};
+
+// One code through ICU alone: its character, or kNoChar unless it makes exactly one.
+char16_t askIcu(UConverter* converter, std::string_view code)
+{
+    ucnv_resetToUnicode(converter);
+    char16_t out[4];
+    char16_t* o = out;
+    const char* from = code.data();
+    UErrorCode error = U_ZERO_ERROR;
+    ucnv_toUnicode(converter, &o, out + 4, &from, code.data() + code.size(), nullptr, true, &error);
+    return U_SUCCESS(error) && o == out + 1 && out[0] != kReplacement ? out[0] : kNoChar;
+}
+
+bool isSjisLead(unsigned byte)
+{
+    return (byte >= 0x81 && byte <= 0x9F) || (byte >= 0xE0 && byte <= 0xFC);
+}
+
+JapaneseTables makeJapaneseTables()
+{
+    JapaneseTables t;
+    const IcuConverter sjis = openIcuConverter("windows-31j");
+    for (unsigned lead = 0; lead < 256; ++lead) {
+        // IBM's table behind windows-31j swaps 1A, 1C and 7F; Windows and every other reader
+        // keep ASCII as it is.
+        const char single = char(lead);
+        t.sjisSingle[lead] = lead < 0x80 ? char16_t(lead)
+            : isSjisLead(lead)           ? kNoChar
+                                         : askIcu(sjis.get(), {&single, 1});
+        if (!isSjisLead(lead))
+            continue;
+        for (unsigned trail = 0x40; trail <= 0xFC; ++trail) {
+            const char pair[2] = {char(lead), char(trail)};
+            if (isShiftJisTrail(trail))
+                t.sjisPairs[lead << 8 | trail] = askIcu(sjis.get(), {pair, 2});
+        }
+    }
+    const IcuConverter euc = openIcuConverter("EUC-JP");
+    for (unsigned row = 0; row < 94; ++row) {
+        for (unsigned cell = 0; cell < 94; ++cell) {
+            const char code[3] = {'\x8F', char(0xA1 + row), char(0xA1 + cell)};
+            t.euc0208[row * 94 + cell] = askIcu(euc.get(), {code + 1, 2});
+            t.euc0212[row * 94 + cell] = askIcu(euc.get(), {code, 3});
+        }
+    }
+    for (unsigned kana = 0; kana < t.eucKana.size(); ++kana) {
+        const char code[2] = {'\x8E', char(0xA1 + kana)};
+        t.eucKana[kana] = askIcu(euc.get(), {code, 2});
+    }
+    return t;
+}
+
+const JapaneseTables& japaneseTables()
+{
+    static const JapaneseTables tables = makeJapaneseTables();
+    return tables;
+}
+
+std::size_t decodeShiftJis(std::string_view bytes, char16_t* out)
+{
+    const JapaneseTables& t = japaneseTables();
+    const auto* p = reinterpret_cast<const std::uint8_t*>(bytes.data());
+    const std::size_t n = bytes.size();
+    char16_t* o = out;
+    for (std::size_t i = 0; i < n;) {
+        const unsigned lead = p[i++];
+        const char16_t single = t.sjisSingle[lead];
+        if (single != kNoChar || !isSjisLead(lead)) {
+            *o++ = single == kNoChar ? kReplacement : single;
+            continue;
+        }
+        if (i == n) {
+            *o++ = kReplacement;
+            break;
+        }
+        const unsigned trail = p[i];
+        const char16_t c = t.sjisPairs[lead << 8 | trail];
+        // A bad pair takes its second byte along unless that byte is ASCII.
+        if (c != kNoChar || trail >= 0x80)
+            ++i;
+        *o++ = c == kNoChar ? kReplacement : c;
+    }
+    return std::size_t(o - out);
+}
+
+std::size_t decodeEucJp(std::string_view bytes, char16_t* out)
+{
+    const JapaneseTables& t = japaneseTables();
+    const auto* p = reinterpret_cast<const std::uint8_t*>(bytes.data());
+    const std::size_t n = bytes.size();
+    const auto isCode = [](unsigned b) { return b >= 0xA1 && b <= 0xFE; };
+    char16_t* o = out;
+    for (std::size_t i = 0; i < n;) {
+        const unsigned lead = p[i++];
+        if (lead < 0x80) {
+            *o++ = char16_t(lead);
+            continue;
+        }
+        char16_t c = kNoChar;
+        // Each following byte is taken while it can still belong to the code; the first one
+        // that can't ends the bad sequence and, when ASCII, is read again.
+        if (lead == 0x8E && i < n && p[i] >= 0xA1 && p[i] <= 0xDF) {
+            c = t.eucKana[p[i++] - 0xA1];
+        } else if (lead == 0x8F && i < n && isCode(p[i])) {
+            const unsigned row = p[i++] - 0xA1;
+            if (i < n && isCode(p[i]))
+                c = t.euc0212[row * 94 + p[i++] - 0xA1];
+            else if (i < n && p[i] >= 0x80)
+                ++i;
+        } else if (isCode(lead) && i < n && isCode(p[i])) {
+            c = t.euc0208[(lead - 0xA1) * 94 + p[i++] - 0xA1];
+        } else if ((lead == 0x8E || lead == 0x8F || isCode(lead)) && i < n && p[i] >= 0x80) {
+            ++i;
+        }
+        *o++ = c == kNoChar ? kReplacement : c;
+    }
+    return std::size_t(o - out);
 }
 
 } // namespace
@@ -262,7 +387,7 @@ std::size_t decode(TextEncoding encoding, std::string_view bytes, char16_t* out)
     case TextEncoding::ShiftJISX0212:
         return decodeJis0212Pairs(bytes, out);
     case TextEncoding::EUCJP:
-        return decodeNamed("EUC-JP", bytes, out, capacity);
+        return decodeEucJp(bytes, out);
     case TextEncoding::ISO2022JP:
         return decodeIso2022Jp(bytes, out, capacity);
     case TextEncoding::ASCII:
@@ -271,9 +396,7 @@ std::size_t decode(TextEncoding encoding, std::string_view bytes, char16_t* out)
     case TextEncoding::DOSJapanese:
         break;
     }
-    const std::size_t length = decodeNamed("windows-31j", bytes, out, capacity);
-    unswapControls(out, length);
-    return length;
+    return decodeShiftJis(bytes, out);
 }
 
 std::u16string decode(TextEncoding encoding, std::string_view bytes)

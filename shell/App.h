@@ -2,7 +2,7 @@
 
 #include "Application.h"
 
-#include <QStringList>
+#include <QByteArrayList>
 
 #include <functional>
 
@@ -18,16 +18,17 @@ public:
     // the user has been told and the quit is under way.
     bool Event_Open();
 
-    // A document opened with the program: the next pane of the current batch gets it.
-    void Event_OpenDocument(const QString& path);
+    // A document opened with the program, by its path's bytes: the next pane of the current
+    // batch gets it.
+    void Event_OpenDocument(const QByteArray& path);
     // Hands the documents to Event_OpenDocument one after the other, in order. Documents that
     // arrive while one is being read wait their turn.
-    void openDocuments(const QStringList& paths);
+    void openDocuments(const QByteArrayList& paths);
 
     // The self-test to run; tests put a failing one here.
     std::function<bool()> selfTest;
 
 private:
-    QStringList pendingDocuments;
+    QByteArrayList pendingDocuments;
     bool openingDocuments = false;
 };

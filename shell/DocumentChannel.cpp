@@ -1,16 +1,17 @@
 #include "DocumentChannel.h"
 
 #include <QDeadlineTimer>
-#include <QFileInfo>
+#include <QFile>
 #include <QLocalServer>
 #include <QLocalSocket>
 #include <QRegularExpression>
-#include <QStandardPaths>
-#include <QStringDecoder>
 #include <QTimer>
 #include <QtEndian>
 
+#include <cerrno>
 #include <optional>
+#include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -19,22 +20,32 @@ constexpr char kTag[4] = {'T', 'w', 'l', 'y'};
 constexpr qsizetype kHeaderSize = 8;
 constexpr char kAck = '\x06';
 
-// Whatever the bytes, only a list of absolute, well-formed paths comes out.
-std::optional<QStringList> decode(const QByteArray& payload)
+// Whatever the bytes, only a list of absolute paths comes out.
+std::optional<QByteArrayList> decode(const QByteArray& payload)
 {
-    QStringList paths;
+    QByteArrayList paths;
     if (!payload.isEmpty() && !payload.endsWith('\0'))
         return std::nullopt;
     for (qsizetype start = 0; start < payload.size();) {
         const qsizetype end = payload.indexOf('\0', start);
-        QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-        QString path = utf8(QByteArrayView(payload).sliced(start, end - start));
-        if (utf8.hasError() || !path.startsWith(QLatin1Char('/')))
+        QByteArray path = payload.sliced(start, end - start);
+        if (!path.startsWith('/'))
             return std::nullopt;
         paths << path;
         start = end + 1;
     }
     return paths;
+}
+
+// The user at the other end of a connected socket; -1 when it can't be told.
+qint64 peerUid(const QLocalSocket& socket)
+{
+    ucred credentials{};
+    socklen_t size = sizeof credentials;
+    if (::getsockopt(int(socket.socketDescriptor()), SOL_SOCKET, SO_PEERCRED, &credentials, &size)
+        != 0)
+        return -1;
+    return credentials.uid;
 }
 
 // The display a launch will use belongs in the name: a Twinly running on another display, or
@@ -68,27 +79,41 @@ DocumentChannel::~DocumentChannel()
     close();
 }
 
+bool DocumentChannel::isPrivateFolder(const QByteArray& folder)
+{
+    struct stat info;
+    return folder.startsWith('/') && ::lstat(folder.constData(), &info) == 0
+        && S_ISDIR(info.st_mode) && info.st_uid == ::geteuid() && (info.st_mode & 077) == 0;
+}
+
 QString DocumentChannel::sessionServerName()
 {
-    QString folder = qEnvironmentVariable("XDG_RUNTIME_DIR");
-    const QFileInfo info(folder);
-    if (folder.isEmpty() || !info.isAbsolute() || !info.isDir() || !info.isWritable()
-        || info.ownerId() != ::geteuid())
-        folder = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
-    if (folder.isEmpty())
-        return {};
+    // Another user who can write to the folder could put a socket of their own in our place,
+    // and take the files we open or hand us theirs.
+    QByteArray folder = qgetenv("XDG_RUNTIME_DIR");
+    if (!isPrivateFolder(folder)) {
+        QByteArray temporary = qgetenv("TMPDIR");
+        if (!temporary.startsWith('/'))
+            temporary = "/tmp";
+        folder = temporary + "/twinly-" + QByteArray::number(::geteuid());
+        // Made only by us and only for us; one that is there already must be so too.
+        if (::mkdir(folder.constData(), 0700) != 0 && errno != EEXIST)
+            return {};
+        if (!isPrivateFolder(folder))
+            return {};
+    }
     QString file = QStringLiteral("twinly-%1").arg(::geteuid());
     const QString key = displayKey();
     if (!key.isEmpty())
         file += QLatin1Char('-') + key;
-    return folder + QLatin1Char('/') + file + QStringLiteral(".socket");
+    return QFile::decodeName(folder) + QLatin1Char('/') + file + QStringLiteral(".socket");
 }
 
-QByteArray DocumentChannel::encode(const QStringList& paths)
+QByteArray DocumentChannel::encode(const QByteArrayList& paths)
 {
     QByteArray payload;
-    for (const QString& path : paths) {
-        const QByteArray entry = path.toUtf8() + '\0';
+    for (const QByteArray& path : paths) {
+        const QByteArray entry = path + '\0';
         // Only the first two of a batch are ever used, so a list this long loses nothing.
         if (payload.size() + entry.size() > kMaxPayload)
             break;
@@ -100,7 +125,7 @@ QByteArray DocumentChannel::encode(const QStringList& paths)
     return message + payload;
 }
 
-DocumentChannel::Handover DocumentChannel::forward(const QStringList& paths, int timeoutMs)
+DocumentChannel::Handover DocumentChannel::forward(const QByteArrayList& paths, int timeoutMs)
 {
     if (name.isEmpty())
         return Handover::NoInstance;
@@ -114,6 +139,9 @@ DocumentChannel::Handover DocumentChannel::forward(const QStringList& paths, int
     socket.connectToServer(name);
     if (!socket.waitForConnected(deadline.remainingTime()))
         return Handover::NoInstance;
+    // Not ours: our files go to nobody else, and we don't listen in its place either.
+    if (peerUid(socket) != ::geteuid())
+        return Handover::Unanswered;
     startupLock.unlock();
 
     socket.write(encode(paths));
@@ -166,6 +194,11 @@ void DocumentChannel::close()
 void DocumentChannel::acceptConnections()
 {
     while (QLocalSocket* socket = server->nextPendingConnection()) {
+        if (peerUid(*socket) != ::geteuid()) {
+            socket->abort();
+            socket->deleteLater();
+            continue;
+        }
         // Never more than one message and its header in memory; more than that is garbage.
         socket->setReadBufferSize(kHeaderSize + kMaxPayload + 1);
         connect(socket, &QLocalSocket::readyRead, this, [this, socket] { readMessage(socket); });
@@ -189,7 +222,7 @@ void DocumentChannel::readMessage(QLocalSocket* socket)
     if (socket->bytesAvailable() < kHeaderSize + qsizetype(length))
         return;
     socket->skip(kHeaderSize);
-    const std::optional<QStringList> paths = decode(socket->read(length));
+    const std::optional<QByteArrayList> paths = decode(socket->read(length));
     if (!paths) {
         socket->abort();
         return;

@@ -1,15 +1,16 @@
 #pragma once
 
+#include <QByteArrayList>
 #include <QLockFile>
 #include <QObject>
-#include <QStringList>
 
 class QLocalServer;
 class QLocalSocket;
 
 // One running Twinly per session: a later launch hands its documents to the running one over a
 // local socket and ends. A message is a 4-byte tag, a 4-byte big-endian length and the absolute
-// paths in UTF-8, each ended by a NUL (which no path can hold); the receiver answers one byte.
+// paths as bytes, each ended by a NUL (which no path can hold); the receiver answers one byte.
+// Both ends talk only to a process of the same user.
 class DocumentChannel : public QObject
 {
     Q_OBJECT
@@ -31,14 +32,16 @@ public:
     explicit DocumentChannel(const QString& serverName, QObject* parent = nullptr);
     ~DocumentChannel() override;
 
-    // The socket of this user's session and display, in the runtime folder; empty when there is
-    // no usable runtime folder.
+    // The socket of this user's session and display, in the runtime folder when that is ours
+    // alone, else in a folder of our own under the temporary folder; empty when neither is.
     static QString sessionServerName();
+    // Whether `folder` is a folder (not a link) that only this user can enter or write to.
+    static bool isPrivateFolder(const QByteArray& folder);
     QString serverName() const { return name; }
 
     // Sends the absolute paths (possibly none) to the running Twinly. Takes the start-up lock
     // first and keeps it when nobody answers, so that two launches at once can't both listen.
-    Handover forward(const QStringList& paths, int timeoutMs = kAnswerMs);
+    Handover forward(const QByteArrayList& paths, int timeoutMs = kAnswerMs);
 
     // Becomes the running Twinly: a socket file nobody answers on is replaced. False when
     // listening failed or another launch is starting up this very moment; the program then runs
@@ -48,11 +51,11 @@ public:
     // Stops listening and removes the socket; also done on destruction.
     void close();
 
-    static QByteArray encode(const QStringList& paths);
+    static QByteArray encode(const QByteArrayList& paths);
 
 signals:
     // Queued after the sender has been answered, so a slow read never holds up a launch.
-    void documentsReceived(const QStringList& paths);
+    void documentsReceived(const QByteArrayList& paths);
 
 private:
     void acceptConnections();

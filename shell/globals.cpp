@@ -323,4 +323,68 @@ QString kLanguage()
     return lookUp(QT_TRID_NOOP("globals.kLanguage"), u"Default");
 }
 
+QString kNoticeNotRead()
+{
+    //% "%1 was not read: %2."
+    return lookUp(QT_TRID_NOOP("globals.kNoticeNotRead"), u"%1 was not read: %2.");
+}
+
+QString kNoticeMissing()
+{
+    //% "it does not exist"
+    return lookUp(QT_TRID_NOOP("globals.kNoticeMissing"), u"it does not exist");
+}
+
+QString kNoticeNotAFile()
+{
+    //% "it is not a regular file"
+    return lookUp(QT_TRID_NOOP("globals.kNoticeNotAFile"), u"it is not a regular file");
+}
+
+QString kNoticeRefusedKind()
+{
+    //% "files of this kind are never read"
+    return lookUp(QT_TRID_NOOP("globals.kNoticeRefusedKind"), u"files of this kind are never read");
+}
+
+QString kNoticeUnreadable()
+{
+    //% "it could not be opened or read"
+    return lookUp(QT_TRID_NOOP("globals.kNoticeUnreadable"), u"it could not be opened or read");
+}
+
+QString kNoticeOutsidePackage()
+{
+    //% "its text lies outside the package"
+    return lookUp(
+        QT_TRID_NOOP("globals.kNoticeOutsidePackage"), u"its text lies outside the package");
+}
+
+QString kNoticeShrank()
+{
+    //% "%1 became shorter while it was read: only the part that was there is shown."
+    return lookUp(QT_TRID_NOOP("globals.kNoticeShrank"),
+        u"%1 became shorter while it was read: only the part that was there is shown.");
+}
+
+QString kNoticeLinkRefused()
+{
+    //% "%1: a picture linked from outside the package was left out."
+    return lookUp(QT_TRID_NOOP("globals.kNoticeLinkRefused"),
+        u"%1: a picture linked from outside the package was left out.");
+}
+
+QString kNoticePictures()
+{
+    //% "%1: pictures beyond the memory budget show as grey boxes."
+    return lookUp(QT_TRID_NOOP("globals.kNoticePictures"),
+        u"%1: pictures beyond the memory budget show as grey boxes.");
+}
+
+QString kNoticeClose()
+{
+    //% "Close"
+    return lookUp(QT_TRID_NOOP("globals.kNoticeClose"), u"Close");
+}
+
 } // namespace globals

@@ -63,5 +63,16 @@ QString kClearAll();
 QString kBoxLeft();
 QString kBoxRight();
 QString kLanguage();
+// Notices about files; %1 is a file's name.
+QString kNoticeNotRead();
+QString kNoticeMissing();
+QString kNoticeNotAFile();
+QString kNoticeRefusedKind();
+QString kNoticeUnreadable();
+QString kNoticeOutsidePackage();
+QString kNoticeShrank();
+QString kNoticeLinkRefused();
+QString kNoticePictures();
+QString kNoticeClose();
 
 } // namespace globals

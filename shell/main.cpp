@@ -1,14 +1,13 @@
 // Twinly: compares two texts line by line.
 
 #include "App.h"
+#include "CommandLine.h"
 #include "DiffWin.h"
 #include "DocumentChannel.h"
 #include "FileTypes1.h"
 #include "MenuBar1.h"
 
-#include <QCommandLineParser>
 #include <QCoreApplication>
-#include <QFileInfo>
 #include <QSocketNotifier>
 #include <QTimer>
 
@@ -23,33 +22,34 @@ namespace {
 
 // --help and --version are answered before any window system is touched, so they work on a
 // console without a display. The files come back absolute, against the folder of this launch,
-// since a running Twinly may have been started anywhere.
-QStringList documentsFromCommandLine(const QCoreApplication& console)
+// since a running Twinly may have been started anywhere. Nothing when the launch ends here.
+std::optional<QByteArrayList> documentsFromCommandLine(int argc, char** argv, int& exitCode)
 {
-    QCoreApplication::setApplicationName(QStringLiteral("twinly"));
-    QCoreApplication::setApplicationVersion(QStringLiteral(TWINLY_VERSION));
-    QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Compares two texts line by line."));
-    parser.addHelpOption();
-    parser.addVersionOption();
-    parser.addPositionalArgument(QStringLiteral("files"),
-        QStringLiteral("Files to compare: left, then right. With Twinly already running, they go "
-                       "to its window."),
-        QStringLiteral("[LEFT [RIGHT]]"));
-    parser.process(console);
-    QStringList paths;
-    for (const QString& argument : parser.positionalArguments()) {
-        if (argument.isEmpty())
-            std::fputs("twinly: an empty file name is ignored.\n", stderr);
-        else
-            paths << QFileInfo(argument).absoluteFilePath();
+    const CommandLine line = CommandLine::parse(argc, argv);
+    for (const QString& message : line.messages)
+        std::fprintf(stderr, "%s\n", qPrintable(message));
+    switch (line.action) {
+    case CommandLine::Action::Open:
+        return line.files;
+    case CommandLine::Action::Help:
+        std::fputs(qPrintable(CommandLine::usage()), stdout);
+        exitCode = 0;
+        break;
+    case CommandLine::Action::Version:
+        std::fputs("twinly " TWINLY_VERSION "\n", stdout);
+        exitCode = 0;
+        break;
+    case CommandLine::Action::Refuse:
+        std::fputs(qPrintable(CommandLine::usage()), stderr);
+        exitCode = CommandLine::kRefused;
+        break;
     }
-    return paths;
+    return std::nullopt;
 }
 
 // The exit code when a running Twinly took the documents; nothing when this launch is to become
 // the running one.
-std::optional<int> handOver(DocumentChannel& channel, const QStringList& paths)
+std::optional<int> handOver(DocumentChannel& channel, const QByteArrayList& paths)
 {
     switch (channel.forward(paths)) {
     case DocumentChannel::Handover::Delivered:
@@ -94,7 +94,7 @@ void quitOnSignals(QObject* parent)
 }
 
 // Documents from a later launch: the window comes to the front and takes them.
-void openForwarded(const QStringList& paths)
+void openForwarded(const QByteArrayList& paths)
 {
     if (toolkit::Application::quitting())
         return;
@@ -108,18 +108,24 @@ void openForwarded(const QStringList& paths)
 
 int main(int argc, char** argv)
 {
-    QStringList paths;
+    int exitCode = 0;
+    const std::optional<QByteArrayList> documents = documentsFromCommandLine(argc, argv, exitCode);
+    if (!documents)
+        return exitCode;
+    const QByteArrayList paths = *documents;
+    // Qt gets the program's name and nothing else to parse.
+    int qtArgc = 1;
+    char* qtArgv[] = {argv[0], nullptr};
     std::unique_ptr<DocumentChannel> channel;
     {
-        QCoreApplication console(argc, argv);
-        paths = documentsFromCommandLine(console);
+        QCoreApplication console(qtArgc, qtArgv);
         channel = std::make_unique<DocumentChannel>(DocumentChannel::sessionServerName());
         if (const std::optional<int> code = handOver(*channel, paths))
             return *code;
     }
 
     pAllFileTypes();
-    auto app = std::make_unique<App>(argc, argv);
+    auto app = std::make_unique<App>(qtArgc, qtArgv);
     if (!app->Event_Open())
         return 0;
 
@@ -134,7 +140,13 @@ int main(int argc, char** argv)
     quitOnSignals(app.get());
     // After the window's first paint is queued, so it is on screen while the files are read.
     if (!paths.isEmpty())
-        QTimer::singleShot(0, app.get(), [paths] { App::instance().openDocuments(paths); });
+        QTimer::singleShot(0, app.get(), [paths] {
+            // The launch's own files are told of on its console too.
+            auto& win = toolkit::implicitInstance<DiffWin>();
+            win.echoNotices = true;
+            App::instance().openDocuments(paths);
+            win.echoNotices = false;
+        });
     const int code = App::exec();
 
     channel.reset();

@@ -31,7 +31,11 @@ FolderItem DragItem::FolderItem() const
 {
     if (!FolderItemAvailable())
         return {};
-    return toolkit::FolderItem(urls.at(current).toLocalFile());
+    // The path's bytes as the URL carries them, percent-encoded: toLocalFile() would turn a
+    // name that is not UTF-8 into another one.
+    const QUrl& url = urls.at(current);
+    return toolkit::FolderItem(
+        QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1()));
 }
 
 bool DragItem::NextItem()

@@ -17,6 +17,7 @@ class Canvas;
 class DragItem;
 class FolderItem;
 class Label;
+class NoticeBar;
 class Rectangle;
 class TextArea;
 class Timer;
@@ -51,6 +52,9 @@ public:
     void ClearBoxes();
     // The files of a drop: the first to pane `index`, the second to the other pane.
     void respondDrop(toolkit::DragItem& obj, int index);
+    // Tells of a file that was not read, or not whole, in the notice bar (and on stderr while
+    // echoNotices is set).
+    void notice(const QString& line);
 
     std::vector<SeqDiff::Difference> diffs;
     std::vector<std::int64_t> topsA, topsB;
@@ -91,6 +95,11 @@ public:
     toolkit::Timer* Timer1 = nullptr;
     toolkit::Timer* Timer2 = nullptr;
     toolkit::Timer* Timer3 = nullptr;
+    toolkit::NoticeBar* noticeBar = nullptr;
+    // Set while documents opened with the program are read: a file refused or unreadable is
+    // told of then, though a dropped one is not.
+    bool noticeRefusals = false;
+    bool echoNotices = false;
 
 protected:
     void Event_Open() override;
@@ -133,6 +142,9 @@ private:
         const toolkit::FolderItem& file, int index, toolkit::TextArea* pane, const QString& ext);
     void readPlain(const toolkit::FolderItem& file, int index, toolkit::TextArea* pane,
         toolkit::BevelButton* title);
+    void refused(const toolkit::FolderItem& file, const QString& reason);
+    // Whether the read under way has told of something, so its notice stays.
+    bool noticedThisRead = false;
 
     // Runs the pass and shows "All same!" when it drew no band.
     void updateFilm();

@@ -8,6 +8,7 @@
 #include "FolderItem.h"
 #include "Keyboard.h"
 #include "Label.h"
+#include "NoticeBar.h"
 #include "PlainFile.h"
 #include "Rectangle.h"
 #include "RtfReader.h"
@@ -22,6 +23,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdio>
 #include <string_view>
 
 using toolkit::BevelButton;
@@ -89,19 +91,24 @@ const QString kTextEncodingLabel = QStringLiteral("Text encoding:");
 
 void DiffWin::setTextBox(FolderItem file, int index, TextArea* pane, BevelButton* title)
 {
+    const FolderItem given = file;
     if (file.Alias())
         file = file.resolved();
     if (file.isNull() || !file.Exists())
-        return;
+        return refused(given, globals::kNoticeMissing());
     const QString ext = kindOf(file.Name());
     if (listed(kExcludedKinds, ext))
-        return;
+        return refused(given, globals::kNoticeRefusedKind());
+    noticedThisRead = false;
     if (isStyledKind(ext))
         readStyled(file, index, pane, ext);
     else if (file.IsFolder())
-        return;
+        return refused(given, globals::kNoticeNotAFile());
     else
         readPlain(file, index, pane, title);
+    // A good read takes the last one's notice away.
+    if (noticeBar && !noticedThisRead)
+        noticeBar->dismiss();
     MakeTitlePopup(title, file);
     txtBox[index]->setVerticalScrollPosition(0);
     dirty = true;
@@ -113,9 +120,23 @@ void DiffWin::readStyled(const FolderItem& file, int index, TextArea* pane, cons
 {
     pane->setText(QString());
     QTextDocument* doc = pane->StyledText();
-    documents::readRichTextFile(file.NativePath(), *doc);
+    titleBox[index]->setCaption(kProgressCaption);
+    titleBox[index]->repaint();
+    forgetEarlierEsc();
+    // Esc keeps what was read, as for a plain file.
+    const documents::RichTextRead read = documents::readRichTextFile(
+        file.NativeBytes(), *doc, [](double) { return keepReading(); });
     // A file read is not an edit to undo.
     doc->clearUndoRedoStacks();
+    // A package that reaches outside itself is told of however it came in.
+    if (read.leftPackage && !read.read)
+        notice(globals::kNoticeNotRead().arg(file.DisplayName(), globals::kNoticeOutsidePackage()));
+    else if (read.leftPackage)
+        notice(globals::kNoticeLinkRefused().arg(file.DisplayName()));
+    else if (!read.read)
+        refused(file, globals::kNoticeUnreadable());
+    if (read.picturesLeftOut)
+        notice(globals::kNoticePictures().arg(file.DisplayName()));
     SameFilm->setVisible(txtBox[0]->StyledText() == txtBox[1]->StyledText());
     TELabel[index]->setText(QStringLiteral("RichText(") + ext + QLatin1Char(')'));
     TEBMenu[index]->setVisible(false);
@@ -123,9 +144,12 @@ void DiffWin::readStyled(const FolderItem& file, int index, TextArea* pane, cons
 
 void DiffWin::readPlain(const FolderItem& file, int index, TextArea* pane, BevelButton* title)
 {
-    documents::PlainFile stream(QFile::encodeName(file.NativePath()).toStdString());
+    documents::PlainFile stream(file.NativeBytes().toStdString());
     if (!stream.isOpen())
-        return;
+        return refused(file,
+            documents::pathKind(file.NativeBytes().toStdString()) == documents::PathKind::File
+                ? globals::kNoticeUnreadable()
+                : globals::kNoticeNotAFile());
     std::string text;
     // Room for the whole file at once, rather than growing by doubling: half the memory on a
     // large file. A file that reports no size grows as it is read.
@@ -143,13 +167,31 @@ void DiffWin::readPlain(const FolderItem& file, int index, TextArea* pane, Bevel
     }
     // A file that fails part way is left unread, as one that can't be opened.
     if (!stream.error().empty())
-        return;
+        return refused(file, globals::kNoticeUnreadable());
+    if (stream.shrank())
+        notice(globals::kNoticeShrank().arg(file.DisplayName()));
     pane->setTextFont(QStringLiteral("System"));
     pane->setTextSize(0);
     textClone[index] = std::move(text);
     if (TEBMenu[index]->isHidden())
         initTEMenu(index);
     setTxEnc(index);
+}
+
+void DiffWin::refused(const FolderItem& file, const QString& reason)
+{
+    if (noticeRefusals)
+        notice(globals::kNoticeNotRead().arg(file.DisplayName(), reason));
+}
+
+void DiffWin::notice(const QString& line)
+{
+    noticedThisRead = true;
+    if (!noticeBar)
+        noticeBar = new toolkit::NoticeBar(surface(), globals::kNoticeClose());
+    noticeBar->addNotice(line);
+    if (echoNotices)
+        std::fprintf(stderr, "twinly: %s\n", qPrintable(line));
 }
 
 void DiffWin::setTxEnc(int index)

@@ -6,18 +6,21 @@
 #include "Timer.h"
 #include "globals.h"
 
-void App::Event_OpenDocument(const QString& path)
+void App::Event_OpenDocument(const QByteArray& path)
 {
     auto& win = toolkit::implicitInstance<DiffWin>();
     win.Timer3->setMode(1);
     if (globals::fCount > 1)
         return;
     const int index = globals::fCount;
+    // A document opened with the program that can't be read is told of; a dropped one is not.
+    win.noticeRefusals = true;
     win.setTextBox(toolkit::FolderItem(path), index, win.txtBox[index], win.titleBox[index]);
+    win.noticeRefusals = false;
     globals::fCount += 1;
 }
 
-void App::openDocuments(const QStringList& paths)
+void App::openDocuments(const QByteArrayList& paths)
 {
     pendingDocuments += paths;
     // A read runs the event loop, so more documents can arrive during one: they queue here

@@ -229,5 +229,45 @@ HTML などその他のファイルはテキストとして表示します。PNG
         <source>Default</source>
         <translation>Japanese</translation>
     </message>
+    <message id="globals.kNoticeNotRead">
+        <source>%1 was not read: %2.</source>
+        <translation>%1 を読み込みませんでした：%2。</translation>
+    </message>
+    <message id="globals.kNoticeMissing">
+        <source>it does not exist</source>
+        <translation>ファイルがありません</translation>
+    </message>
+    <message id="globals.kNoticeNotAFile">
+        <source>it is not a regular file</source>
+        <translation>通常のファイルではありません</translation>
+    </message>
+    <message id="globals.kNoticeRefusedKind">
+        <source>files of this kind are never read</source>
+        <translation>この種類のファイルは読み込みません</translation>
+    </message>
+    <message id="globals.kNoticeUnreadable">
+        <source>it could not be opened or read</source>
+        <translation>開くことも読むこともできませんでした</translation>
+    </message>
+    <message id="globals.kNoticeOutsidePackage">
+        <source>its text lies outside the package</source>
+        <translation>本文がパッケージの外にあります</translation>
+    </message>
+    <message id="globals.kNoticeShrank">
+        <source>%1 became shorter while it was read: only the part that was there is shown.</source>
+        <translation>%1 は読み込み中に短くなりました。読み込めた部分だけを表示しています。</translation>
+    </message>
+    <message id="globals.kNoticeLinkRefused">
+        <source>%1: a picture linked from outside the package was left out.</source>
+        <translation>%1：パッケージの外を指す画像のリンクは読み込みませんでした。</translation>
+    </message>
+    <message id="globals.kNoticePictures">
+        <source>%1: pictures beyond the memory budget show as grey boxes.</source>
+        <translation>%1：メモリの上限を超えた画像は灰色の枠で表示しています。</translation>
+    </message>
+    <message id="globals.kNoticeClose">
+        <source>Close</source>
+        <translation>閉じる</translation>
+    </message>
 </context>
 </TS>

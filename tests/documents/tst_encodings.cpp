@@ -52,6 +52,7 @@ private slots:
     void jis0208SameInShiftJisAndEuc();
     void badSequences_data();
     void badSequences();
+    void eucJpInLinearTime();
     void mutatedInputs();
 };
 
@@ -133,7 +134,11 @@ void TestEncodings::badSequences_data()
     row("UTF-8 bad byte, BOM kept", T::UTF8, "EF BB BF 61 FF 62", u"\uFEFFa\uFFFDb");
     row("ShiftJIS lead before LF", T::ShiftJIS, "82 0A 41", u"\uFFFD\nA");
     row("ShiftJIS lead at the end", T::ShiftJIS, "41 82", u"A\uFFFD");
-    row("ShiftJIS unmapped pair", T::ShiftJIS, "85 40 82 A0", u"\uFFFD\u3042");
+    row("ShiftJIS unmapped pair, ASCII kept", T::ShiftJIS, "82 41 85 41 82 0A",
+        u"\uFFFDA\uFFFDA\uFFFD\n");
+    row("ShiftJIS unmapped pair", T::ShiftJIS, "85 9F 82 A0", u"\uFFFD\u3042");
+    row("ShiftJIS lead before a bad byte", T::ShiftJIS, "82 FD 41", u"\uFFFDA");
+    row("ShiftJIS controls as ASCII", T::ShiftJIS, "1A 1C 7F", u"\x1A\x1C\x7F");
     row("MacJapanese lead before LF", T::MacJapanese, "88 0A 41", u"\uFFFD\nA");
     row("MacJapanese lead at the end", T::MacJapanese, "41 88", u"A\uFFFD");
     row("MacJapanese byte that leads nothing", T::MacJapanese, "F0 41 FC 82 A0",
@@ -143,7 +148,9 @@ void TestEncodings::badSequences_data()
     row("MacJapanese unmapped pair", T::MacJapanese, "85 FC 88 9E 41", u"\uFFFD\uFFFDA");
     row("MacJapanese DEL", T::MacJapanese, "7F 5C 80", u"\u007F\u00A5\\");
     row("EUC-JP lead before LF", T::EUCJP, "A4 0A 41", u"\uFFFD\nA");
-    row("EUC-JP cut three-byte code", T::EUCJP, "8F A2 0A 8F A2 AF", u"\uFFFD\uFFFD\n\u02D8");
+    row("EUC-JP cut three-byte code", T::EUCJP, "8F A2 0A 8F A2 AF", u"\uFFFD\n\u02D8");
+    row("EUC-JP C1 bytes", T::EUCJP, "80 8D 90 A0 FF 41", u"\uFFFD\uFFFD\uFFFD\uFFFD\uFFFDA");
+    row("EUC-JP unmapped pair, ASCII kept", T::EUCJP, "A9 A1 A4 41 8F 41", u"\uFFFD\uFFFDA\uFFFDA");
     row("EUC-JP bad SS2", T::EUCJP, "8E 41 A4 A2", u"\uFFFDA\u3042");
     row("ShiftJIS-X0212 lone last byte", T::ShiftJISX0212, "B0 A1 30", u"\u4E02\uFFFD");
     row("ShiftJIS-X0212 unmapped pairs", T::ShiftJISX0212, "21 21 0A 0A B0 A1",
@@ -163,6 +170,21 @@ void TestEncodings::badSequences()
     QFETCH(QByteArray, bytes);
     QFETCH(QString, expected);
     QCOMPARE(decoded(encoding, bytes), expected);
+}
+
+// A text full of three-byte lead bytes, cut or not, takes no longer than one of kanji.
+void TestEncodings::eucJpInLinearTime()
+{
+    const auto timeOf = [](const QByteArray& unit) {
+        const QByteArray bytes = unit.repeated(4'000'000 / unit.size());
+        QElapsedTimer clock;
+        clock.start();
+        const QString text = decoded(TextEncoding::EUCJP, bytes);
+        return text.isEmpty() ? 0 : std::max<qint64>(clock.nsecsElapsed(), 1'000'000);
+    };
+    const qint64 kanji = timeOf(QByteArray::fromHex("C6FCCBDC"));
+    for (const char* unit : {"8F", "8F41", "8FB0", "8FB0A1", "8F8F0A"})
+        QCOMPARE_LT(timeOf(QByteArray::fromHex(unit)), 5 * kanji);
 }
 
 // Damaged and cut texts of every kind through every decoder. Output stays within the bound and

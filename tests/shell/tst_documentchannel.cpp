@@ -11,6 +11,7 @@
 
 #include <memory>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
 
@@ -20,7 +21,7 @@ Q_DECLARE_METATYPE(Handover)
 namespace {
 
 // forward() blocks, so it runs on a thread of its own while this one serves the server.
-Handover forwardBeside(const QString& name, const QStringList& paths)
+Handover forwardBeside(const QString& name, const QByteArrayList& paths)
 {
     Handover result = Handover::Unanswered;
     std::unique_ptr<QThread> thread(
@@ -73,6 +74,8 @@ private slots:
     void takesOverAnAbandonedSocket_data();
     void takesOverAnAbandonedSocket();
     void aLaunchStartingMeanwhileDoesNotListen();
+    void theSocketFolderIsOursAlone_data();
+    void theSocketFolderIsOursAlone();
 
 private:
     QTemporaryDir dir;
@@ -81,22 +84,20 @@ private:
 
 void TstDocumentChannel::delivers_data()
 {
-    QTest::addColumn<QStringList>("paths");
+    QTest::addColumn<QByteArrayList>("paths");
     QTest::addColumn<int>("pieces"); // 0: by forward()
     QTest::addColumn<int>("arriving"); // at least
-    const QStringList three{QStringLiteral("/tmp/a b.txt"), QStringLiteral("/home/zoë/日本語.txt"),
-        QStringLiteral("/x")};
-    QTest::newRow("none") << QStringList() << 0 << 0;
-    QTest::newRow("three, not ASCII") << three << 0 << 3;
+    const QByteArrayList three{"/tmp/a b.txt", "/home/zoë/日本語.txt", "/x\xff\xfe"};
+    QTest::newRow("none") << QByteArrayList() << 0 << 0;
+    QTest::newRow("three, not ASCII, not UTF-8") << three << 0 << 3;
     QTest::newRow("three, byte by byte") << three << 100 << 3;
     // More than a message holds: the first ones arrive, as only they are used.
-    QTest::newRow("too many") << QStringList(600, QStringLiteral("/") + QString(3000, u'x')) << 0
-                              << 2;
+    QTest::newRow("too many") << QByteArrayList(600, "/" + QByteArray(3000, 'x')) << 0 << 2;
 }
 
 void TstDocumentChannel::delivers()
 {
-    QFETCH(QStringList, paths);
+    QFETCH(QByteArrayList, paths);
     QFETCH(int, pieces);
     QFETCH(int, arriving);
     DocumentChannel server(name);
@@ -107,7 +108,7 @@ void TstDocumentChannel::delivers()
     else
         QCOMPARE(sendRaw(name, DocumentChannel::encode(paths), pieces), QByteArray("\x06"));
     QTRY_COMPARE_WITH_TIMEOUT(received.size(), 1, 3000);
-    const QStringList got = received.first().first().toStringList();
+    const auto got = received.first().first().value<QByteArrayList>();
     QVERIFY(got.size() >= arriving);
     QCOMPARE(got, paths.first(got.size()));
 }
@@ -115,13 +116,12 @@ void TstDocumentChannel::delivers()
 void TstDocumentChannel::dropsGarbage_data()
 {
     QTest::addColumn<QByteArray>("bytes");
-    const QByteArray ok = DocumentChannel::encode({QStringLiteral("/tmp/a")});
+    const QByteArray ok = DocumentChannel::encode({"/tmp/a"});
     QTest::newRow("wrong tag") << "TWLY" + ok.mid(4);
     QTest::newRow("oversized") << frame(DocumentChannel::kMaxPayload + 1, "/");
     QTest::newRow("longer than said") << ok + "/tmp/b";
     QTest::newRow("stalls") << ok.chopped(2);
     QTest::newRow("relative path") << frame(6, QByteArray("a.txt\0", 6));
-    QTest::newRow("not UTF-8") << frame(4, QByteArray("/\xff\xfe\0", 4));
     QTest::newRow("unterminated") << frame(6, "/tmp/a");
 }
 
@@ -133,9 +133,9 @@ void TstDocumentChannel::dropsGarbage()
     QSignalSpy received(&server, &DocumentChannel::documentsReceived);
     QCOMPARE(sendRaw(name, bytes, 1), QByteArray());
     // Still serving.
-    QCOMPARE(forwardBeside(name, {QStringLiteral("/tmp/c")}), Handover::Delivered);
+    QCOMPARE(forwardBeside(name, {"/tmp/c"}), Handover::Delivered);
     QTRY_COMPARE_WITH_TIMEOUT(received.size(), 1, 3000);
-    QCOMPARE(received.first().first().toStringList(), QStringList{QStringLiteral("/tmp/c")});
+    QCOMPARE(received.first().first().value<QByteArrayList>(), QByteArrayList{"/tmp/c"});
 }
 
 void TstDocumentChannel::takesOverAnAbandonedSocket_data()
@@ -159,7 +159,7 @@ void TstDocumentChannel::takesOverAnAbandonedSocket()
     DocumentChannel launch(name);
     QElapsedTimer clock;
     clock.start();
-    QCOMPARE(launch.forward({QStringLiteral("/tmp/a")}), Handover::NoInstance);
+    QCOMPARE(launch.forward({"/tmp/a"}), Handover::NoInstance);
     QCOMPARE_LT(clock.elapsed(), 500);
     QVERIFY(launch.listen());
     QCOMPARE(forwardBeside(name, {}), Handover::Delivered);
@@ -176,6 +176,51 @@ void TstDocumentChannel::aLaunchStartingMeanwhileDoesNotListen()
     QVERIFY(!second.listen());
     QVERIFY(first.listen());
     QCOMPARE(forwardBeside(name, {}), Handover::Delivered);
+}
+
+void TstDocumentChannel::theSocketFolderIsOursAlone_data()
+{
+    QTest::addColumn<QString>("runtime"); // empty: not set
+    QTest::addColumn<int>("mode");
+    QTest::addColumn<int>("plantedMode"); // of a fallback folder made beforehand; 0: none
+    QTest::addColumn<QString>("expected"); // the socket's folder; empty: no socket
+    QTest::newRow("private runtime folder") << "rt" << 0700 << 0 << "rt";
+    QTest::newRow("world-writable runtime folder") << "rt" << 0777 << 0 << "fallback";
+    QTest::newRow("group-readable runtime folder") << "rt" << 0750 << 0 << "fallback";
+    QTest::newRow("link to a private folder") << "link" << 0700 << 0 << "fallback";
+    QTest::newRow("not set") << "" << 0700 << 0 << "fallback";
+    QTest::newRow("not set, fallback there") << "" << 0700 << 0700 << "fallback";
+    QTest::newRow("not set, fallback opened up") << "" << 0700 << 0777 << "";
+}
+
+void TstDocumentChannel::theSocketFolderIsOursAlone()
+{
+    QFETCH(QString, runtime);
+    QFETCH(int, mode);
+    QFETCH(int, plantedMode);
+    QFETCH(QString, expected);
+    QTemporaryDir base;
+    const QByteArray root = QFile::encodeName(base.path());
+    const QByteArray rt = root + "/rt", link = root + "/link", tmp = root + "/tmp";
+    const QByteArray fallback = tmp + "/twinly-" + QByteArray::number(::geteuid());
+    QVERIFY(::mkdir(rt.data(), 0700) == 0 && ::chmod(rt.data(), mode_t(mode)) == 0);
+    QVERIFY(::symlink(rt.data(), link.data()) == 0 && ::mkdir(tmp.data(), 0700) == 0);
+    if (plantedMode)
+        QVERIFY(::mkdir(fallback.data(), 0700) == 0
+            && ::chmod(fallback.data(), mode_t(plantedMode)) == 0);
+    const QByteArray savedRuntime = qgetenv("XDG_RUNTIME_DIR"), savedTemp = qgetenv("TMPDIR");
+    qputenv("TMPDIR", tmp);
+    if (runtime.isEmpty())
+        qunsetenv("XDG_RUNTIME_DIR");
+    else
+        qputenv("XDG_RUNTIME_DIR", root + '/' + runtime.toUtf8());
+    const QString socket = DocumentChannel::sessionServerName();
+    qputenv("XDG_RUNTIME_DIR", savedRuntime);
+    qputenv("TMPDIR", savedTemp);
+    const QByteArray folder = expected == "rt" ? rt : expected.isEmpty() ? "" : fallback;
+    QCOMPARE(socket.isEmpty() ? QByteArray() : QFile::encodeName(QFileInfo(socket).path()), folder);
+    if (!folder.isEmpty())
+        QVERIFY(DocumentChannel::isPrivateFolder(folder));
 }
 
 QTEST_GUILESS_MAIN(TstDocumentChannel)

@@ -69,6 +69,16 @@ const Constant constants[] = {
     {"kBoxLeft", globals::kBoxLeft, "Left Box"},
     {"kBoxRight", globals::kBoxRight, "Right Box"},
     {"kLanguage", globals::kLanguage, "Default"},
+    {"kNoticeNotRead", globals::kNoticeNotRead, "%1 was not read: %2."},
+    {"kNoticeMissing", globals::kNoticeMissing, "it does not exist"},
+    {"kNoticeNotAFile", globals::kNoticeNotAFile, "it is not a regular file"},
+    {"kNoticeRefusedKind", globals::kNoticeRefusedKind, "files of this kind are never read"},
+    {"kNoticeUnreadable", globals::kNoticeUnreadable, "it could not be opened or read"},
+    {"kNoticeOutsidePackage", globals::kNoticeOutsidePackage, "its text lies outside the package"},
+    {"kNoticeShrank", globals::kNoticeShrank, "%1 became shorter while it was read: only the part that was there is shown."},
+    {"kNoticeLinkRefused", globals::kNoticeLinkRefused, "%1: a picture linked from outside the package was left out."},
+    {"kNoticePictures", globals::kNoticePictures, "%1: pictures beyond the memory budget show as grey boxes."},
+    {"kNoticeClose", globals::kNoticeClose, "Close"},
 };
 
 // The texts whose English stands in a raw literal, without a //% copy for lupdate.

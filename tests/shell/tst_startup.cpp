@@ -1,4 +1,5 @@
 #include "App.h"
+#include "CommandLine.h"
 #include "DiffWin.h"
 #include "HelpWindow.h"
 #include "globals.h"
@@ -26,6 +27,9 @@ class TstStartup : public QObject
 private slots:
     void consoleOptions_data();
     void consoleOptions();
+    void commandLine_data();
+    void commandLine();
+    void noRunpathEntryIsEmpty();
     void languageFollowsTheCatalogue();
     void secondLaunchHandsOver_data();
     void secondLaunchHandsOver();
@@ -43,8 +47,10 @@ void TstStartup::consoleOptions_data()
                              << "";
     QTest::newRow("help") << QStringList{"--help"} << 0 << "--version"
                           << "";
-    QTest::newRow("unknown option") << QStringList{"--frobnicate"} << 1 << ""
+    QTest::newRow("unknown option") << QStringList{"--frobnicate"} << 2 << ""
                                     << "frobnicate";
+    QTest::newRow("Qt's option") << QStringList{"-platform", "offscreen"} << 2 << ""
+                                 << "-platform";
 }
 
 void TstStartup::consoleOptions()
@@ -73,6 +79,59 @@ void TstStartup::consoleOptions()
     // Neither answering nor refusing an option looks for a running Twinly.
     QVERIFY(QDir(runtime.path())
                 .isEmpty(QDir::AllEntries | QDir::System | QDir::Hidden | QDir::NoDotAndDotDot));
+}
+
+void TstStartup::commandLine_data()
+{
+    QTest::addColumn<QByteArrayList>("arguments");
+    QTest::addColumn<int>("action");
+    QTest::addColumn<QByteArrayList>("files"); // relative ones against the working folder
+    using A = CommandLine::Action;
+    QTest::newRow("files") << QByteArrayList{"a.txt", "/x/../b"} << int(A::Open)
+                           << QByteArrayList{"a.txt", "/b"};
+    QTest::newRow("options after --") << QByteArrayList{"--", "-platform", "--",
+        "-reverse"} << int(A::Open) << QByteArrayList{"-platform", "--", "-reverse"};
+    QTest::newRow("lone dash is a file")
+        << QByteArrayList{"-"} << int(A::Open) << QByteArrayList{"-"};
+    QTest::newRow("name not UTF-8")
+        << QByteArrayList{"/t/\xff\xfe.txt"} << int(A::Open) << QByteArrayList{"/t/\xff\xfe.txt"};
+    QTest::newRow("empty name ignored")
+        << QByteArrayList{"", "a"} << int(A::Open) << QByteArrayList{"a"};
+    QTest::newRow("Qt's option") << QByteArrayList{"-platform", "b.txt"} << int(A::Refuse)
+                                 << QByteArrayList();
+    QTest::newRow("help after a file")
+        << QByteArrayList{"a", "--help"} << int(A::Help) << QByteArrayList();
+    QTest::newRow("version") << QByteArrayList{"-v"} << int(A::Version) << QByteArrayList();
+}
+
+void TstStartup::commandLine()
+{
+    QFETCH(QByteArrayList, arguments);
+    QFETCH(int, action);
+    QFETCH(QByteArrayList, files);
+    std::vector<const char*> argv{"twinly"};
+    for (const QByteArray& argument : arguments)
+        argv.push_back(argument.constData());
+    const CommandLine line = CommandLine::parse(int(argv.size()), argv.data());
+    QCOMPARE(int(line.action), action);
+    for (QByteArray& file : files)
+        if (!file.startsWith('/'))
+            file.prepend(QFile::encodeName(QDir::currentPath()) + '/');
+    QCOMPARE(line.files, files);
+}
+
+// An empty entry in the RUNPATH stands for the working folder.
+void TstStartup::noRunpathEntryIsEmpty()
+{
+    QProcess readelf;
+    readelf.start("readelf", {"-d", QStringLiteral(TWINLY_BINARY)});
+    QVERIFY(readelf.waitForFinished(10000) && readelf.exitCode() == 0);
+    for (const QByteArray& line : readelf.readAllStandardOutput().split('\n')) {
+        if (!line.contains("(RUNPATH)") && !line.contains("(RPATH)"))
+            continue;
+        const QByteArray paths = line.mid(line.indexOf('[') + 1).chopped(1);
+        QVERIFY2(!paths.split(':').contains(QByteArray()), line.constData());
+    }
 }
 
 void TstStartup::secondLaunchHandsOver_data()

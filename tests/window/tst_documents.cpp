@@ -3,6 +3,7 @@
 #include "DiffWin.h"
 #include "FolderItem.h"
 #include "Label.h"
+#include "NoticeBar.h"
 #include "Rectangle.h"
 #include "TextArea.h"
 #include "Timer.h"
@@ -175,6 +176,13 @@ void TstDocuments::readingByKind_data()
                           << "fifo" << false << true;
     QTest::newRow("no permission") << "secret.txt"
                                    << "locked" << false << true;
+    // The name's bytes reach open() as they are and show escaped.
+    QTest::newRow("name not UTF-8") << "a\xff.txt"
+                                    << "bytes" << true << true;
+    QTest::newRow("name with a line break") << "two\nlines.txt"
+                                            << "file" << true << true;
+    QTest::newRow("name with a direction override and NEL") << "a\u202Eb\u0085.txt"
+                                                            << "file" << true << true;
 }
 
 // Each kind of path: whether the pane takes its text and whether the title shows its name.
@@ -187,6 +195,16 @@ void TstDocuments::readingByKind()
     Files files;
     QByteArray bytes = "first\nsecond\n";
     QString path = kind == "system" ? name : files.path(name);
+    QByteArray nativePath = path.toUtf8();
+    if (kind == "bytes") {
+        // A name that no QString can hold; a file with the lossy name is there to be missed.
+        nativePath = QFile::encodeName(files.path("a")) + "\xff.txt";
+        QFile wrong(files.write("a\uFFFD.txt", "wrong file"));
+        QFile exact;
+        QVERIFY(exact.open(std::fopen(nativePath.constData(), "w"), QIODevice::WriteOnly,
+            QFileDevice::AutoCloseHandle));
+        QVERIFY(exact.write(bytes) == bytes.size());
+    }
     if (kind == "file" || kind == "locked")
         files.write(name, bytes);
     if (kind == "binary")
@@ -211,7 +229,7 @@ void TstDocuments::readingByKind()
     const QString before = w->txtBox[0]->Text();
     const QString other = w->txtBox[1]->Text();
     w->dirty = false;
-    load(w, path);
+    w->setTextBox(toolkit::FolderItem(nativePath), 0, w->txtBox[0], w->titleBox[0]);
     if (kind == "system") {
         QCOMPARE(w->txtBox[0]->Text() != before, textRead);
         QCOMPARE(w->txtBox[0]->Text().startsWith("Name:"), textRead);
@@ -219,8 +237,13 @@ void TstDocuments::readingByKind()
         QCOMPARE(w->txtBox[0]->Text(), textRead ? QString::fromUtf8(bytes) : before);
         QCOMPARE(w->textClone[0] == bytes.toStdString(), textRead);
     }
-    const QString title
-        = kind == "link" ? QStringLiteral("target.txt") : QFileInfo(name).fileName();
+    const QString title = kind == "link" ? QStringLiteral("target.txt")
+        : kind == "bytes"                ? QStringLiteral("a\\xff.txt")
+                                         : QFileInfo(name)
+                                .fileName()
+                                .replace('\n', "\\n")
+                                .replace(QChar(0x202E), "\\u{202e}")
+                                .replace(QChar(0x85), "\\x85");
     QCOMPARE(w->titleBox[0]->Caption(), titled ? title : globals::kBoxLeft());
     QCOMPARE(w->dirty, titled);
     QCOMPARE(w->txtBox[1]->Text(), other);
@@ -287,15 +310,20 @@ void TstDocuments::aFileChangingWhileReadEnds_data()
 {
     QTest::addColumn<int>("newSize");
     QTest::addColumn<int>("expected");
-    // Taken up to its size at opening, so a file being written to still ends.
-    QTest::newRow("grows") << 50000 << 5000;
-    QTest::newRow("shrinks") << 2000 << 2000;
+    QTest::addColumn<QString>("notice");
+    // Taken up to its size at opening, so a file being written to still ends; one that was cut
+    // is shown as far as it goes, and the user is told.
+    QTest::newRow("grows") << 50000 << 5000 << "";
+    QTest::newRow("shrinks") << 2000 << 2000
+                             << "changing.txt became shorter while it was read: only the part "
+                                "that was there is shown.";
 }
 
 void TstDocuments::aFileChangingWhileReadEnds()
 {
     QFETCH(int, newSize);
     QFETCH(int, expected);
+    QFETCH(QString, notice);
     Files files;
     const QString path = files.write("changing.txt", QByteArray(5000, 'x'));
     DiffWin* w = window();
@@ -311,6 +339,10 @@ void TstDocuments::aFileChangingWhileReadEnds()
     between.start(0);
     load(w, path);
     QCOMPARE(w->textClone[0], std::string(std::size_t(expected), 'x'));
+    QCOMPARE(w->noticeBar ? w->noticeBar->text() : QString(), notice);
+    // The next good read takes the notice away.
+    load(w, files.write("good.txt", "good"));
+    QVERIFY(!w->noticeBar || w->noticeBar->isHidden());
 }
 
 // A pane's row decides how its bytes are read, for this file and the next; the same text in
@@ -364,6 +396,13 @@ void TstDocuments::styledTextHidesThePopupUntilAPlainFile()
     load(w, folder, 0);
     QCOMPARE(w->txtBox[0]->Text(), QStringLiteral("In a package"));
     QCOMPARE(w->TELabel[0]->text(), QStringLiteral("RichText(RTFD)"));
+    // A package whose text leads outside it is refused, and said so even for a drop.
+    const QString escaping = files.folder("escaping.rtfd");
+    QVERIFY(QFile::link(files.path("doc.rtf"), escaping + "/TXT.rtf"));
+    load(w, escaping, 0);
+    QCOMPARE(w->txtBox[0]->Text(), QString());
+    QCOMPARE(w->noticeBar->text(),
+        QStringLiteral("escaping.rtfd was not read: its text lies outside the package."));
 
     // A plain file brings the popup back at UTF-8, whatever it said before.
     load(w, files.write("plain.txt", "café\n"), 1);
@@ -502,8 +541,9 @@ void TstDocuments::openedDocumentsComeInBatches()
     w->curDiffNum = 3;
     w->onlyFirst = false;
     // A refused document still takes its pane; past two, the batch ignores the rest.
-    app.openDocuments({paths[0], paths[1], paths[2]});
+    app.openDocuments({paths[0].toUtf8(), paths[1].toUtf8(), paths[2].toUtf8()});
     QCOMPARE(w->titleBox[0]->Caption(), QStringLiteral("1.txt"));
+    QCOMPARE(w->noticeBar->text(), "2.zip was not read: files of this kind are never read.");
     QCOMPARE(w->titleBox[1]->Caption(), globals::kBoxRight());
     QCOMPARE(globals::fCount, 2);
     QCOMPARE(w->Timer3->Mode(), 1);
@@ -511,7 +551,7 @@ void TstDocuments::openedDocumentsComeInBatches()
     QCOMPARE(w->curDiffNum, 3);
 
     emit w->Timer3->Action();
-    app.openDocuments({paths[3]});
+    app.openDocuments({paths[3].toUtf8()});
     QCOMPARE(w->titleBox[0]->Caption(), QStringLiteral("4.txt"));
     QCOMPARE(globals::fCount, 1);
 }

@@ -1,0 +1,80 @@
+#include "NoticeBar.h"
+
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QToolButton>
+
+#include <algorithm>
+
+namespace toolkit {
+
+NoticeBar::NoticeBar(QWidget* parent, const QString& closeTip)
+    : QWidget(parent)
+    , label(new QLabel(this))
+    , closeButton(new QToolButton(this))
+{
+    setAutoFillBackground(true);
+    QPalette colours = palette();
+    colours.setColor(QPalette::Window, QColor(0xFF, 0xF4, 0xC8));
+    colours.setColor(QPalette::WindowText, Qt::black);
+    setPalette(colours);
+    // Plain text: a file's name must never be taken for markup.
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(true);
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    closeButton->setText(QStringLiteral("✕"));
+    closeButton->setAutoRaise(true);
+    closeButton->setToolTip(closeTip);
+    closeButton->setAccessibleName(closeTip);
+    connect(closeButton, &QToolButton::clicked, this, &NoticeBar::dismiss);
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins(8, 4, 4, 4);
+    row->addWidget(label, 1);
+    row->addWidget(closeButton, 0, Qt::AlignTop);
+    parent->installEventFilter(this);
+    hide();
+}
+
+void NoticeBar::addNotice(const QString& line)
+{
+    if (!lines.isEmpty() && lines.last() == line)
+        return;
+    lines << line;
+    while (lines.size() > kMaxLines)
+        lines.removeFirst();
+    label->setText(lines.join(QLatin1Char('\n')));
+    place();
+    show();
+    raise();
+}
+
+QString NoticeBar::text() const
+{
+    return isVisible() ? lines.join(QLatin1Char('\n')) : QString();
+}
+
+void NoticeBar::dismiss()
+{
+    lines.clear();
+    hide();
+}
+
+bool NoticeBar::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == parent() && event->type() == QEvent::Resize && !lines.isEmpty())
+        place();
+    return QWidget::eventFilter(watched, event);
+}
+
+void NoticeBar::place()
+{
+    const QWidget* over = parentWidget();
+    int height = heightForWidth(over->width());
+    if (height <= 0)
+        height = sizeHint().height();
+    height = std::min(height, over->height() / 3);
+    setGeometry(0, over->height() - height, over->width(), height);
+}
+
+} // namespace toolkit
