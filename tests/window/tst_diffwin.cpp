@@ -8,6 +8,7 @@
 #include "MenuBar1.h"
 #include "Rectangle.h"
 #include "TextArea.h"
+#include "Timer.h"
 #include "WidthLayout.h"
 #include "globals.h"
 
@@ -222,11 +223,15 @@ void TstDiffWin::opensOnAComparisonOfTheSamples()
 {
     DiffWin* w = openWindow();
     QVERIFY(w);
+    QTRY_VERIFY_WITH_TIMEOUT(w->resultIsCurrent(), 5000);
     QCOMPARE(w->txtBox[0]->LineCount(), globals::kOriginalSampleT().count(u'\r') + 1);
     QCOMPARE(QString::fromStdString(w->textClone[0]), w->txtBox[0]->Text());
     QVERIFY(w->diffs.size() >= 3);
-    QVERIFY(w->onlyFirst);
+    // The first difference is made current with the first result.
+    QVERIFY(!w->onlyFirst);
+    QCOMPARE(w->curDiffNum, 0);
     QCOMPARE(w->topsA.size(), w->diffs.size());
+    QCOMPARE(w->curLine, w->topsA[0]);
     for (size_t i = 0; i < w->diffs.size(); ++i) {
         QCOMPARE(w->topsA[i], w->diffs[i].DeletedStart());
         QCOMPARE(w->topsB[i], w->diffs[i].AddedStart());
@@ -264,9 +269,12 @@ void TstDiffWin::compareFollowsThePanes()
     QVERIFY(w);
     w->scrolTop = {4, 5};
     w->curDiffNum = 7;
+    w->onlyFirst = false;
     w->txtBox[0]->setText(left);
     w->txtBox[1]->setText(right);
+    w->Timer2->setMode(0);
     w->compare();
+    QTRY_VERIFY_WITH_TIMEOUT(w->resultIsCurrent(), 5000);
     QList<qint64> got;
     for (const auto& d : w->diffs)
         got << d.DeletedStart() << d.DeletedEnd() << d.AddedStart() << d.AddedEnd();

@@ -340,6 +340,7 @@ void TstDocuments::encodings()
     QVERIFY(w->SameFilm->isVisibleTo(w));
     emit w->Timer2->Action();
     emit w->Timer1->Action();
+    QTRY_VERIFY_WITH_TIMEOUT(w->resultIsCurrent(), 5000);
     QVERIFY(w->diffs.empty());
     QVERIFY(w->SameFilm->isVisibleTo(w));
 

@@ -5,9 +5,11 @@
 #include "DiffWin.h"
 #include "Label.h"
 #include "PaneLines.h"
+#include "SeqDiff.h"
 #include "TextArea.h"
 #include "Timer.h"
 
+#include <QRandomGenerator>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
@@ -46,16 +48,35 @@ QString text(int side)
     return lines.join(u'\n');
 }
 
+// Lines drawn from twenty, each side on its own: long to compare, with every line having
+// thousands of equal partners.
+QString dense(int lines, quint32 seed)
+{
+    QRandomGenerator draw(seed);
+    QStringList text;
+    for (int i = 0; i < lines; ++i)
+        text << QString::number(draw.bounded(20));
+    return text.join(u'\n');
+}
+
+// The records the panes' texts give now.
+std::vector<SeqDiff::Difference> expected(const DiffWin* w)
+{
+    return SeqDiff::FindDifferences(*w->txtBox[0]->snapshot(), *w->txtBox[1]->snapshot());
+}
+
 void tick(DiffWin* w)
 {
     emit w->Timer1->Action();
 }
 
-// The pause after a text change runs out, then the polling timer ticks.
+// The pause after a text change runs out, the polling timer ticks, and the comparison it
+// started comes back.
 void settle(DiffWin* w)
 {
     emit w->Timer2->Action();
     tick(w);
+    QTRY_VERIFY_WITH_TIMEOUT(w->resultIsCurrent(), 5000);
 }
 
 qint64 backdropKey(const DiffWin* w)
@@ -174,6 +195,9 @@ private slots:
     void firstTickMakesTheFirstDifferenceCurrent();
     void typingWaitsForThePause();
     void equalTextsShowAllSame();
+    void aResultForOldTextsIsDropped_data();
+    void aResultForOldTextsIsDropped();
+    void typingDuringALongComparison();
     void choosingADifference_data();
     void choosingADifference();
     void scrolling_data();
@@ -192,8 +216,7 @@ void TstLiveCompare::firstTickMakesTheFirstDifferenceCurrent()
     QCOMPARE(w->curDiffNum, -1);
     w->txtBox[0]->setText(text(0));
     w->txtBox[1]->setText(text(1));
-    QSignalSpy ticks(w->Timer1, &toolkit::Timer::Action);
-    QVERIFY(ticks.wait(3000));
+    QTRY_VERIFY_WITH_TIMEOUT(w->resultIsCurrent() && !w->onlyFirst, 3000);
     QCOMPARE(w->curDiffNum, 0);
     QCOMPARE(w->curLine, kTops[0][0]);
     QVERIFY(selects(w, 0));
@@ -223,8 +246,7 @@ void TstLiveCompare::typingWaitsForThePause()
     QVERIFY(pauses.wait(3000));
     QCOMPARE(comparisons, 0);
 
-    QVERIFY(ticks.wait(2000));
-    QCOMPARE(comparisons, 1);
+    QTRY_COMPARE_WITH_TIMEOUT(comparisons, 1, 2000);
     QCOMPARE(w->topsA, (std::vector<std::int64_t>{5, 12, 40, 60, 100, 190}));
     QCOMPARE(w->DiffTotal->text(), QStringLiteral("6"));
     QTRY_VERIFY_WITH_TIMEOUT(ticks.count() >= 3, 3000);
@@ -261,6 +283,66 @@ void TstLiveCompare::equalTextsShowAllSame()
     w->txtBox[1]->setText(text(1));
     settle(w);
     QVERIFY(!w->SameFilm->isVisible());
+}
+
+void TstLiveCompare::aResultForOldTextsIsDropped_data()
+{
+    QTest::addColumn<QList<int>>("edited"); // the panes edited while the comparison runs
+    QTest::newRow("left") << QList{0};
+    QTest::newRow("right") << QList{1};
+    QTest::newRow("both") << QList{0, 1};
+}
+
+void TstLiveCompare::aResultForOldTextsIsDropped()
+{
+    QFETCH(QList<int>, edited);
+    DiffWin* w = open();
+    QVERIFY(w);
+    QSignalSpy taken(w, &DiffWin::compared);
+    // Equal texts go to be compared; before their records can come back, they are edited.
+    w->txtBox[0]->setText(text(1));
+    emit w->Timer2->Action();
+    tick(w);
+    for (int s : edited) {
+        QTextCursor c(w->txtBox[s]->document()->findBlockByNumber(30 + 20 * s));
+        c.insertText(QStringLiteral("edited "));
+    }
+    settle(w);
+    QCOMPARE(taken.count(), 1);
+    QVERIFY(w->diffs == expected(w));
+    QCOMPARE(w->diffs.size(), std::size_t(edited.size() == 2 ? 2 : 1));
+    QCOMPARE(w->DiffTotal->text(), QString::number(w->diffs.size()));
+    QVERIFY(!w->SameFilm->isVisible());
+}
+
+void TstLiveCompare::typingDuringALongComparison()
+{
+    DiffWin* w = open();
+    QVERIFY(w);
+    const std::vector<SeqDiff::Difference> before = w->diffs;
+    QSignalSpy taken(w, &DiffWin::compared);
+    w->txtBox[0]->setText(dense(60000, 1));
+    w->txtBox[1]->setText(dense(60000, 2));
+    emit w->Timer2->Action();
+    tick(w);
+    const qint64 drawn = backdropKey(w);
+
+    // While it runs the window keeps answering; the last bands stay, and neither the counter
+    // nor "All same!" says anything about the new texts.
+    QTRY_COMPARE_WITH_TIMEOUT(w->DiffTotal->text(), QStringLiteral("…"), 5000);
+    QVERIFY(!w->resultIsCurrent());
+    QVERIFY(w->diffs == before);
+    QCOMPARE(backdropKey(w), drawn);
+    QVERIFY(!w->SameFilm->isVisible());
+
+    auto* pane = w->txtBox[0];
+    pane->setFocus();
+    pane->selectAll();
+    QTest::keyClicks(pane, QStringLiteral("4"));
+    settle(w);
+    QCOMPARE(taken.count(), 1);
+    QVERIFY(w->diffs == expected(w));
+    QCOMPARE(w->DiffTotal->text(), QString::number(w->diffs.size()));
 }
 
 void TstLiveCompare::choosingADifference_data()
