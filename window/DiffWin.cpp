@@ -526,7 +526,8 @@ void DiffWin::compare()
     const Comparison::Revisions now = revisions();
     if (now == comparedRevisions) {
         // A read that failed, or gave the same text: the bands on record still hold.
-        bandsHidden = false;
+        if (panesLoading == 0)
+            bandsHidden = false;
     } else if (now != comparison->running()) {
         comparison->start(txtBox[0]->snapshot(), txtBox[1]->snapshot(), now);
         noticeWaiting();
@@ -569,6 +570,12 @@ QString DiffWin::totalText() const
 bool DiffWin::mayClaimSame() const
 {
     return comparedRevisions && !bandsHidden && (resultIsCurrent() || !waitingLong);
+}
+
+void DiffWin::hideBands()
+{
+    bandsHidden = true;
+    updateFilm();
 }
 
 void DiffWin::noticeWaiting()

@@ -172,5 +172,7 @@ private:
     QTimer* waitNotice = nullptr;
     bool waitingLong = false;
     // A pane is taking a new text: the bands of the old ones would point at the wrong lines.
+    void hideBands();
     bool bandsHidden = false;
+    int panesLoading = 0;
 };

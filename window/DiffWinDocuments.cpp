@@ -17,12 +17,18 @@
 #include "globals.h"
 
 #include <QFile>
+#include <QScopeGuard>
 #include <QTextCursor>
 #include <QTextDocument>
+#include <QTimer>
 
 #include <algorithm>
 #include <array>
+#include <atomic>
+#include <functional>
+#include <stop_token>
 #include <string_view>
+#include <thread>
 
 using toolkit::BevelButton;
 using toolkit::DragItem;
@@ -82,6 +88,40 @@ void forgetEarlierEsc()
     toolkit::Keyboard::AsyncKeyDown(toolkit::Keyboard::kEscape);
 }
 
+bool escOrQuit()
+{
+    return toolkit::Keyboard::AsyncKeyDown(toolkit::Keyboard::kEscape)
+        || toolkit::Application::quitting();
+}
+
+// Runs `work` on a thread of its own while the window goes on answering events, and returns
+// when it has ended. Esc or quitting asks it to stop; `show` runs between events, to show how
+// far it has come. Esc held down before the start still lets the work's first piece in.
+void workAside(
+    const std::function<void(std::stop_token)>& work, const std::function<void()>& show = [] {})
+{
+    std::stop_source stop;
+    if (escOrQuit())
+        stop.request_stop();
+    std::atomic<bool> done = false;
+    std::jthread worker([&] {
+        work(stop.get_token());
+        done = true;
+        // Wakes the loop below.
+        QMetaObject::invokeMethod(
+            qApp, [] {}, Qt::QueuedConnection);
+    });
+    // Wakes it now and then to show the progress.
+    QTimer pulse;
+    pulse.start(50);
+    while (!done) {
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        if (escOrQuit())
+            stop.request_stop();
+        show();
+    }
+}
+
 const QString kProgressCaption = QStringLiteral("読込み中（Escキーで中断可）");
 const QString kTextEncodingLabel = QStringLiteral("Text encoding:");
 
@@ -111,6 +151,9 @@ void DiffWin::setTextBox(FolderItem file, int index, TextArea* pane, BevelButton
 
 void DiffWin::readStyled(const FolderItem& file, int index, TextArea* pane, const QString& ext)
 {
+    ++panesLoading;
+    const auto loaded = qScopeGuard([this] { --panesLoading; });
+    hideBands();
     pane->setText(QString());
     QTextDocument* doc = pane->StyledText();
     documents::readRichTextFile(file.NativePath(), *doc);
@@ -132,15 +175,32 @@ void DiffWin::readPlain(const FolderItem& file, int index, TextArea* pane, Bevel
     text.reserve(std::size_t(std::min<std::uint64_t>(stream.sizeAtOpen(), text.max_size())));
     title->setCaption(kProgressCaption);
     title->repaint();
+    ++panesLoading;
+    const auto loaded = qScopeGuard([this] { --panesLoading; });
+    hideBands();
     forgetEarlierEsc();
-    std::array<char, 1024> chunk;
-    for (;;) {
-        if (stream.atEnd())
-            break;
-        text.append(chunk.data(), stream.read(chunk.data(), chunk.size()));
-        if (!keepReading())
-            break;
-    }
+    std::atomic<std::uint64_t> taken = 0;
+    int shownPercent = -1;
+    const auto showProgress = [&] {
+        if (stream.sizeAtOpen() == 0)
+            return;
+        const int percent = int(taken * 100 / stream.sizeAtOpen());
+        if (percent != shownPercent)
+            title->setCaption(kProgressCaption + QStringLiteral(" %1%").arg(percent));
+        shownPercent = percent;
+    };
+    // Off the window's thread; the chunk bounds the time until Esc is noticed.
+    workAside(
+        [&](std::stop_token stop) {
+            std::array<char, 1024> chunk;
+            while (!stream.atEnd()) {
+                text.append(chunk.data(), stream.read(chunk.data(), chunk.size()));
+                taken = text.size();
+                if (stop.stop_requested())
+                    break;
+            }
+        },
+        showProgress);
     // A file that fails part way is left unread, as one that can't be opened.
     if (!stream.error().empty())
         return;
@@ -156,10 +216,15 @@ void DiffWin::setTxEnc(int index)
 {
     const std::string& bytes = textClone[index];
     const documents::TextEncoding encoding = TE[size_t(encodingMode[index])];
-    // Decoded straight into the string the pane takes: one copy of a large text less.
-    QString text(qsizetype(documents::maxDecodedLength(encoding, bytes.size())), Qt::Uninitialized);
-    text.resize(
-        qsizetype(documents::decode(encoding, bytes, reinterpret_cast<char16_t*>(text.data()))));
+    QString text;
+    // Off the window's thread: a large text takes a second. Straight into the string the pane
+    // takes: one copy of a large text less.
+    workAside([&](std::stop_token) {
+        text = QString(
+            qsizetype(documents::maxDecodedLength(encoding, bytes.size())), Qt::Uninitialized);
+        text.resize(qsizetype(
+            documents::decode(encoding, bytes, reinterpret_cast<char16_t*>(text.data()))));
+    });
     // A long text takes the pane seconds to lay in: events keep running meanwhile, and Esc
     // keeps what is in so far.
     forgetEarlierEsc();

@@ -246,9 +246,10 @@ void TstDocuments::escStopsTheRead_data()
 {
     QTest::addColumn<int>("size");
     QTest::addColumn<int>("escAfterChunks"); // 0: held down before the read
-    QTest::addColumn<int>("expected");
+    QTest::addColumn<int>("expected"); // -1: some chunks, not all
     QTest::newRow("held down: one chunk still comes in") << 5000 << 0 << 1024;
-    QTest::newRow("pressed during the read") << 100000 << 3 << 3 * 1024;
+    // Long enough to be under way when the key comes.
+    QTest::newRow("pressed during the read") << (16 << 20) << 1 << -1;
     QTest::newRow("never pressed, 1024 bytes") << 1024 << -1 << 1024;
     QTest::newRow("never pressed, 1025 bytes") << 1025 << -1 << 1025;
 }
@@ -259,7 +260,8 @@ void TstDocuments::escStopsTheRead()
     QFETCH(int, escAfterChunks);
     QFETCH(int, expected);
     Files files;
-    const QString path = files.write("big.txt", QByteArray(size, 'x'));
+    const QString path
+        = files.write("big.txt", QByteArray("xxxxxxx\n").repeated(size / 8 + 1).left(size));
     DiffWin* w = window();
     QString caption;
     int chunks = 0;
@@ -277,16 +279,20 @@ void TstDocuments::escStopsTheRead()
     spy.stop();
     QKeyEvent up(QEvent::KeyRelease, Qt::Key_Escape, Qt::NoModifier);
     QCoreApplication::sendEvent(qApp, &up);
-    QCOMPARE(int(w->textClone[0].size()), expected);
-    QCOMPARE(w->txtBox[0]->Text().size(), expected);
-    QCOMPARE(caption, QStringLiteral("読込み中（Escキーで中断可）"));
+    const int got = int(w->textClone[0].size());
+    if (expected < 0)
+        QVERIFY(got > 0 && got < size && got % 1024 == 0);
+    else
+        QCOMPARE(got, expected);
+    QCOMPARE(w->txtBox[0]->Text().size(), got);
+    QVERIFY(caption.startsWith(QStringLiteral("読込み中（Escキーで中断可）")));
     QCOMPARE(w->titleBox[0]->Caption(), QStringLiteral("big.txt"));
 }
 
 void TstDocuments::aFileChangingWhileReadEnds_data()
 {
     QTest::addColumn<int>("newSize");
-    QTest::addColumn<int>("expected");
+    QTest::addColumn<int>("least"); // the read may pass a cut before it comes
     // Taken up to its size at opening, so a file being written to still ends.
     QTest::newRow("grows") << 50000 << 5000;
     QTest::newRow("shrinks") << 2000 << 2000;
@@ -295,7 +301,7 @@ void TstDocuments::aFileChangingWhileReadEnds_data()
 void TstDocuments::aFileChangingWhileReadEnds()
 {
     QFETCH(int, newSize);
-    QFETCH(int, expected);
+    QFETCH(int, least);
     Files files;
     const QString path = files.write("changing.txt", QByteArray(5000, 'x'));
     DiffWin* w = window();
@@ -310,7 +316,9 @@ void TstDocuments::aFileChangingWhileReadEnds()
     });
     between.start(0);
     load(w, path);
-    QCOMPARE(w->textClone[0], std::string(std::size_t(expected), 'x'));
+    const std::string& got = w->textClone[0];
+    QVERIFY(got.size() >= std::size_t(least) && got.size() <= 5000);
+    QCOMPARE(got, std::string(got.size(), 'x'));
 }
 
 // A pane's row decides how its bytes are read, for this file and the next; the same text in
