@@ -104,6 +104,16 @@ bool TextArea::setText(const QString& text, const std::function<bool()>& between
     return whole;
 }
 
+PreparedText TextArea::prepare(QString text)
+{
+    return PreparedText(std::move(text));
+}
+
+void TextArea::setText(const PreparedText& text)
+{
+    setText(text.text ? *text.text : QString());
+}
+
 void TextArea::setTextFont(const QString& name)
 {
     QFont f = font();

@@ -3,6 +3,7 @@
 #include "DragItem.h"
 #include "FileType.h"
 #include "Geometry.h"
+#include "PreparedText.h"
 #include "TextSnapshot.h"
 
 #include <QPlainTextEdit>
@@ -42,6 +43,10 @@ public:
     // the pane has been given another text meanwhile. The pane takes no typing while it fills.
     // True when the whole text went in.
     bool setText(const QString& text, const std::function<bool()>& between);
+    // Does the work of taking a text in, on any thread; setText(PreparedText) then shows it on
+    // the UI thread at once, and raises TextChange like setText(QString).
+    static PreparedText prepare(QString text);
+    void setText(const PreparedText& text);
 
     // The text with its styles, as a rich-text reader leaves it. Readers write into it inside
     // one edit block, so that the pane lays it out once.

@@ -1,6 +1,8 @@
 #include "BevelButton.h"
 #include "Geometry.h"
 #include "Graphics.h"
+#include "LineStore.h"
+#include "Lines.h"
 #include "MenuBar.h"
 #include "TextArea.h"
 #include "Timer.h"
@@ -12,6 +14,8 @@
 #include <QTextBlock>
 #include <QTextCursor>
 #include <QTextLayout>
+
+#include <random>
 
 using toolkit::Locks;
 
@@ -39,6 +43,8 @@ private slots:
     void menuValueFromCodeIsSilent();
     void paneLinesAreTheTextsLines_data();
     void paneLinesAreTheTextsLines();
+    void storeFollowsTheSplitRule_data();
+    void storeFollowsTheSplitRule();
     void scrollPositionCountsLinesAndStops();
     void characterPositionsShareOneScale();
     void characterPositionsFollowThePane_data();
@@ -165,6 +171,68 @@ void TstToolkit::paneLinesAreTheTextsLines()
     QCOMPARE(pane.Lines(), lines);
     QCOMPARE(pane.LineCount(), lines.size());
     QCOMPARE(pane.lineTexts().lines.size(), size_t(pane.document()->blockCount()));
+
+    // A text prepared elsewhere comes in the same, and says so.
+    pane.setText(QStringLiteral("other"));
+    change.clear();
+    pane.setText(toolkit::TextArea::prepare(text));
+    QVERIFY(change.count() >= 1);
+    QCOMPARE(pane.Lines(), lines);
+}
+
+void TstToolkit::storeFollowsTheSplitRule_data()
+{
+    QTest::addColumn<int>("seed");
+    QTest::addColumn<int>("length"); // of the first text
+    QTest::addColumn<int>("pieceLength"); // most characters an edit takes away or puts in
+    QTest::newRow("short texts, small edits") << 1 << 40 << 4;
+    QTest::newRow("many blocks, small edits") << 2 << 120'000 << 6;
+    QTest::newRow("many blocks, large edits") << 3 << 90'000 << 40'000;
+    QTest::newRow("from empty") << 4 << 0 << 30;
+}
+
+// After any edits the store's lines, hashes and positions are those of the text cut afresh.
+void TstToolkit::storeFollowsTheSplitRule()
+{
+    QFETCH(int, seed);
+    QFETCH(int, length);
+    QFETCH(int, pieceLength);
+    std::mt19937 random{unsigned(seed)};
+    // Every line end and the characters that must stay inside a line.
+    const std::u16string alphabet = u"ab\r\n\r\n\u2028\uFDD0\uFDD1\uFEFF";
+    const auto piece = [&](int n) {
+        QString s;
+        for (int i = 0; i < n; ++i)
+            s.append(QChar(alphabet[random() % alphabet.size()]));
+        s.replace(QChar(u'\uFEFF'), QChar(random() % 2 ? u'\0' : u'\uFEFF'));
+        return s;
+    };
+    QString text = piece(length);
+    toolkit::LineStore store(text);
+    for (int edit = 0; edit < 300; ++edit) {
+        const auto from = qsizetype(random() % (text.size() + 1));
+        const auto to = std::min(text.size(), from + qsizetype(random() % (pieceLength + 1)));
+        const QString with = piece(int(random() % (pieceLength + 1)));
+        text.replace(from, to - from, with);
+        store.replace(from, to, with);
+
+        const auto expected = SeqDiff::splitLines(std::u16string_view(
+            reinterpret_cast<const char16_t*>(text.utf16()), std::size_t(text.size())));
+        QCOMPARE(store.lineCount(), qsizetype(expected.size()));
+        QCOMPARE(store.size(), text.size());
+        // Sampled lines: every line of every round costs too much on the large texts.
+        for (std::size_t i = 0; i < expected.size(); i += 1 + expected.size() / 200) {
+            const auto at = qsizetype(i);
+            QVERIFY(store.line(at) == expected[i]);
+            QCOMPARE(store.lineHash(at), SeqDiff::lineHash(expected[i]));
+            const qsizetype start
+                = expected[i].data() - reinterpret_cast<const char16_t*>(text.utf16());
+            QCOMPARE(store.lineStart(at), start);
+            QCOMPARE(store.lineEnd(at), start + qsizetype(expected[i].size()));
+            QCOMPARE(store.lineAt(start), at);
+        }
+    }
+    QCOMPARE(store.text(), text);
 }
 
 void TstToolkit::scrollPositionCountsLinesAndStops()
