@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QString>
+#include "LineStore.h"
 
 #include <memory>
 
@@ -8,8 +8,8 @@ namespace toolkit {
 
 class TextArea;
 
-// A text made ready for a pane on any thread (TextArea::prepare), so that handing it to the pane
-// on the UI thread costs next to nothing. Copies share what was prepared.
+// A text made ready for a pane on any thread (TextArea::prepare): its lines cut and hashed, so
+// that handing it to the pane on the UI thread costs next to nothing. Copies share the work.
 class PreparedText
 {
 public:
@@ -17,11 +17,11 @@ public:
 
 private:
     friend class TextArea;
-    explicit PreparedText(QString text)
-        : text(std::make_shared<const QString>(std::move(text)))
+    explicit PreparedText(LineStore lines)
+        : lines(std::make_shared<const LineStore>(std::move(lines)))
     {
     }
-    std::shared_ptr<const QString> text;
+    std::shared_ptr<const LineStore> lines;
 };
 
 } // namespace toolkit

@@ -116,7 +116,8 @@ void DiffWin::readStyled(const FolderItem& file, int index, TextArea* pane, cons
     documents::readRichTextFile(file.NativePath(), *doc);
     // A file read is not an edit to undo.
     doc->clearUndoRedoStacks();
-    SameFilm->setVisible(txtBox[0]->StyledText() == txtBox[1]->StyledText());
+    // Two documents are never one and the same.
+    SameFilm->setVisible(false);
     TELabel[index]->setText(QStringLiteral("RichText(") + ext + QLatin1Char(')'));
     TEBMenu[index]->setVisible(false);
 }
@@ -165,8 +166,7 @@ void DiffWin::setTxEnc(int index)
     forgetEarlierEsc();
     txtBox[index]->setText(text, keepReading);
     txtBox[index]->setTextFont(QStringLiteral("System"));
-    SameFilm->setVisible(
-        txtBox[0]->document()->characterCount() == txtBox[1]->document()->characterCount()
+    SameFilm->setVisible(txtBox[0]->TextLength() == txtBox[1]->TextLength()
         && txtBox[0]->Text() == txtBox[1]->Text());
 }
 

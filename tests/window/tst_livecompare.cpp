@@ -8,6 +8,7 @@
 #include "TextArea.h"
 #include "Timer.h"
 
+#include <QAbstractScrollArea>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
@@ -89,11 +90,16 @@ DiffWin* open(int left = 0, int right = 0)
     return w;
 }
 
+QScrollBar* verticalBar(const toolkit::TextArea* pane)
+{
+    return qobject_cast<QAbstractScrollArea*>(pane->focusProxy())->verticalScrollBar();
+}
+
 // Lines beyond a pane's end stand for its end.
 QList<int> clamped(const DiffWin* w, QList<int> lines)
 {
     for (int s = 0; s < 2; ++s)
-        lines[s] = std::min(lines[s], w->txtBox[s]->verticalScrollBar()->maximum());
+        lines[s] = std::min(lines[s], verticalBar(w->txtBox[s])->maximum());
     return lines;
 }
 
@@ -116,15 +122,11 @@ std::optional<indicator::Band> shownBand(const DiffWin* w, int i)
     indicator::Band band;
     for (int s = 0; s < 2; ++s) {
         const auto* pane = w->txtBox[s];
-        const auto rect = [pane](int line) {
-            return pane->cursorRect(QTextCursor(pane->document()->findBlockByNumber(line)));
-        };
-        const QRect first = rect(kTops[s][i]);
-        const QRect last = rect(std::max(kEnds[s][i], kTops[s][i]));
-        if (first.top() < 0 || last.bottom() >= pane->viewport()->height())
+        const QRect first = pane->lineRect(kTops[s][i]);
+        const QRect last = pane->lineRect(std::max(kEnds[s][i], kTops[s][i]));
+        if (first.top() < pane->TextTop() || last.bottom() >= pane->TextTop() + pane->TextHeight())
             return std::nullopt;
-        const int dy
-            = pane->viewport()->mapTo(w, QPoint()).y() - w->diffCanvas->mapTo(w, QPoint()).y();
+        const int dy = pane->mapTo(w, QPoint()).y() - w->diffCanvas->mapTo(w, QPoint()).y();
         const int bottom = kEnds[s][i] < 0 ? first.top() : last.bottom() + 1;
         band.side[s] = {kTops[s][i], kEnds[s][i], first.top() + dy, bottom + dy};
     }
@@ -145,12 +147,10 @@ QPoint inside(const DiffWin* w, const indicator::Band& b, int x)
 bool selects(const DiffWin* w, int i)
 {
     for (int s = 0; s < 2; ++s) {
-        const QTextDocument* doc = w->txtBox[s]->document();
-        const int start = doc->findBlockByNumber(kTops[s][i]).position();
-        const int end
-            = kEnds[s][i] < 0 ? start : doc->findBlockByNumber(kEnds[s][i] + 1).position();
-        const QTextCursor c = w->txtBox[s]->textCursor();
-        if (c.selectionStart() != start || c.selectionEnd() != end)
+        const toolkit::TextArea* pane = w->txtBox[s];
+        const int start = pane->CharacterPosition(kTops[s][i]) - 1;
+        const int end = kEnds[s][i] < 0 ? start : pane->CharacterPosition(kEnds[s][i] + 1) - 1;
+        if (pane->SelectionStart() != start || pane->SelectionLength() != end - start)
             return false;
     }
     return true;
@@ -205,7 +205,7 @@ void TstLiveCompare::typingWaitsForThePause()
     QVERIFY(w);
     auto* pane = w->txtBox[0];
     pane->setFocus();
-    pane->setTextCursor(QTextCursor(pane->document()->findBlockByNumber(40)));
+    pane->select(pane->CharacterPosition(40) - 1, 0);
     const SeqDiff::Difference* before = w->diffs.data();
     int comparisons = 0;
     QObject probe;
@@ -214,11 +214,11 @@ void TstLiveCompare::typingWaitsForThePause()
         before = w->diffs.data();
     });
 
-    QTest::keyClick(pane, Qt::Key_E);
+    QTest::keyClick(pane->focusProxy(), Qt::Key_E);
     QSignalSpy ticks(w->Timer1, &toolkit::Timer::Action);
     QSignalSpy pauses(w->Timer2, &toolkit::Timer::Action);
     // Typed at a user's pace, slower than the polling but faster than the pause.
-    QTest::keyClicks(pane, QStringLiteral("dit"), Qt::NoModifier, 40);
+    QTest::keyClicks(pane->focusProxy(), QStringLiteral("dit"), Qt::NoModifier, 40);
     QCOMPARE(ticks.count(), 0);
     QVERIFY(pauses.wait(3000));
     QCOMPARE(comparisons, 0);
@@ -362,7 +362,7 @@ void TstLiveCompare::scrolling()
     const SeqDiff::Difference* records = w->diffs.data();
     for (int i = 0; i < events; ++i) {
         if (over == u"bar")
-            w->txtBox[1]->verticalScrollBar()->triggerAction(QAbstractSlider::SliderSingleStepAdd);
+            verticalBar(w->txtBox[1])->triggerAction(QAbstractSlider::SliderSingleStepAdd);
         else
             wheel(over == u"pane" ? w->txtBox[1]->viewport() : w->diffCanvas, angle);
     }
