@@ -156,6 +156,35 @@ bool selects(const DiffWin* w, int i)
     return true;
 }
 
+// Every band fully in view is drawn where the panes show its lines, down to its last row, and
+// nothing is drawn beside rows of the panes that show no text.
+bool bandsMatchThePanes(const DiffWin* w, int current)
+{
+    const toolkit::TextArea* pane = w->txtBox[0];
+    const int textBottom = pane->TextTop() + pane->TextHeight() + pane->mapTo(w, QPoint()).y()
+        - w->diffCanvas->mapTo(w, QPoint()).y();
+    for (int y = textBottom; y < w->diffCanvas->height(); ++y) {
+        for (int x = 0; x < w->diffCanvas->width(); x += 4) {
+            if (pixel(w, {x, y}) != kGround)
+                return false;
+        }
+    }
+    for (int i = 0; i < 5; ++i) {
+        const auto shown = shownBand(w, i);
+        if (!shown)
+            continue;
+        const QRgb colour = i == current ? kCurrent : kBand;
+        const int column = kEnds[0][i] < 0 ? w->diffCanvas->width() - 8 : 8;
+        const int edge = kEnds[0][i] < 0 ? w->diffCanvas->width() - 1 : 0;
+        const auto& side = shown->side[kEnds[0][i] < 0 ? 1 : 0];
+        if (pixel(w, inside(w, *shown, column)) != colour
+            || pixel(w, {edge, side.bottom - 1}) != colour
+            || pixel(w, {edge, side.bottom}) == colour)
+            return false;
+    }
+    return true;
+}
+
 void wheel(QWidget* target, QPoint angle)
 {
     const QPointF at(target->width() / 2, target->height() / 2);
@@ -178,6 +207,8 @@ private slots:
     void choosingADifference();
     void scrolling_data();
     void scrolling();
+    void sameOnlyWhenTheLinesAre_data();
+    void sameOnlyWhenTheLinesAre();
 };
 
 void TstLiveCompare::cleanup()
@@ -348,6 +379,9 @@ void TstLiveCompare::scrolling_data()
     QTest::newRow("wheel over one pane") << QStringLiteral("pane") << QList{0, 0} << 2 * down << 1
                                          << QList{0, 2 * QApplication::wheelScrollLines()};
     QTest::newRow("scroll bar") << QStringLiteral("bar") << QList{0, 0} << down << 2 << QList{0, 2};
+    // Keys scroll the pane they are typed in, and the bands follow at the next tick.
+    QTest::newRow("ctrl end key") << QStringLiteral("key") << QList{10, 10} << QPoint() << 1
+                                  << QList{10, 999};
 }
 
 void TstLiveCompare::scrolling()
@@ -363,11 +397,13 @@ void TstLiveCompare::scrolling()
     for (int i = 0; i < events; ++i) {
         if (over == u"bar")
             verticalBar(w->txtBox[1])->triggerAction(QAbstractSlider::SliderSingleStepAdd);
+        else if (over == u"key")
+            QTest::keyClick(w->txtBox[1]->focusProxy(), Qt::Key_End, Qt::ControlModifier);
         else
             wheel(over == u"pane" ? w->txtBox[1]->viewport() : w->diffCanvas, angle);
     }
     QCOMPARE(scrolled(w), clamped(w, to));
-    const bool dirty = over != u"bar" && angle.y() != 0;
+    const bool dirty = over != u"bar" && over != u"key" && angle.y() != 0;
     QCOMPARE(w->dirty, dirty);
 
     // A comparison resets what the timer saw, so the tick after it draws once more.
@@ -376,8 +412,37 @@ void TstLiveCompare::scrolling()
     QCOMPARE(redraws(w), moved && dirty);
     QVERIFY(!redraws(w));
     QCOMPARE((QList{w->scrolTop[0], w->scrolTop[1]}), scrolled(w));
+    QVERIFY(bandsMatchThePanes(w, 0));
     // The texts have not changed, so the records of their comparison are the ones made before.
     QCOMPARE(w->diffs.data(), records);
+}
+
+void TstLiveCompare::sameOnlyWhenTheLinesAre_data()
+{
+    QTest::addColumn<QString>("left");
+    QTest::addColumn<QString>("right");
+    QTest::addColumn<bool>("same");
+    QTest::newRow("line ends differ") << "a\r\nb\rc"
+                                      << "a\nb\nc" << true;
+    QTest::newRow("frame marks are characters") << QString::fromUtf16(u"a\uFDD0b\uFDD1") << "a\nb\n"
+                                                << false;
+    QTest::newRow("separators are characters")
+        << QString::fromUtf16(u"a\u2029b\u2028c") << "a\nb\nc" << false;
+    QTest::newRow("NUL is a character") << QString::fromUtf16(u"a\0b", 3) << "ab" << false;
+}
+
+void TstLiveCompare::sameOnlyWhenTheLinesAre()
+{
+    QFETCH(QString, left);
+    QFETCH(QString, right);
+    QFETCH(bool, same);
+    DiffWin* w = open();
+    QVERIFY(w);
+    w->txtBox[0]->setText(left);
+    w->txtBox[1]->setText(right);
+    settle(w);
+    QCOMPARE(w->SameFilm->isVisible(), same);
+    QCOMPARE(w->diffs.empty(), same);
 }
 
 int main(int, char**)
