@@ -74,14 +74,6 @@ bool draws(const DragItem& item, const std::array<std::u16string_view, N>& kinds
     return isStyledKind(ext) || !file.IsFolder();
 }
 
-// Between two pieces of a long read: events run, and Esc or quitting ends the read.
-bool keepReading()
-{
-    QCoreApplication::processEvents();
-    return !toolkit::Keyboard::AsyncKeyDown(toolkit::Keyboard::kEscape)
-        && !toolkit::Application::quitting();
-}
-
 // A tap of Esc before a read began is not meant for it; a key held down still counts.
 void forgetEarlierEsc()
 {
@@ -159,7 +151,8 @@ void DiffWin::readStyled(const FolderItem& file, int index, TextArea* pane, cons
     documents::readRichTextFile(file.NativePath(), *doc);
     // A file read is not an edit to undo.
     doc->clearUndoRedoStacks();
-    SameFilm->setVisible(txtBox[0]->StyledText() == txtBox[1]->StyledText());
+    // Two documents are never one and the same.
+    SameFilm->setVisible(false);
     TELabel[index]->setText(QStringLiteral("RichText(") + ext + QLatin1Char(')'));
     TEBMenu[index]->setVisible(false);
 }
@@ -216,22 +209,19 @@ void DiffWin::setTxEnc(int index)
 {
     const std::string& bytes = textClone[index];
     const documents::TextEncoding encoding = TE[size_t(encodingMode[index])];
-    QString text;
-    // Off the window's thread: a large text takes a second. Straight into the string the pane
-    // takes: one copy of a large text less.
+    toolkit::PreparedText prepared;
+    // Off the window's thread, which then only hands the lines to the pane: a large text takes
+    // seconds to decode and cut into lines.
     workAside([&](std::stop_token) {
-        text = QString(
+        QString text(
             qsizetype(documents::maxDecodedLength(encoding, bytes.size())), Qt::Uninitialized);
         text.resize(qsizetype(
             documents::decode(encoding, bytes, reinterpret_cast<char16_t*>(text.data()))));
+        prepared = TextArea::prepare(std::move(text));
     });
-    // A long text takes the pane seconds to lay in: events keep running meanwhile, and Esc
-    // keeps what is in so far.
-    forgetEarlierEsc();
-    txtBox[index]->setText(text, keepReading);
+    txtBox[index]->setText(prepared);
     txtBox[index]->setTextFont(QStringLiteral("System"));
-    SameFilm->setVisible(
-        txtBox[0]->document()->characterCount() == txtBox[1]->document()->characterCount()
+    SameFilm->setVisible(txtBox[0]->TextLength() == txtBox[1]->TextLength()
         && txtBox[0]->Text() == txtBox[1]->Text());
 }
 

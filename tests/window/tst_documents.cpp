@@ -4,6 +4,7 @@
 #include "FolderItem.h"
 #include "Label.h"
 #include "Rectangle.h"
+#include "Style.h"
 #include "TextArea.h"
 #include "Timer.h"
 #include "globals.h"
@@ -363,7 +364,11 @@ void TstDocuments::styledTextHidesThePopupUntilAPlainFile()
     DiffWin* w = window();
     w->TEBMenu[1]->setMenuValue(1);
     emit w->TEBMenu[1]->Action();
-    load(w, files.write("doc.rtf", "{\\rtf1\\ansi {\\b Bold} text\\par}"), 1);
+    // Red and large: none of it may reach the plain file that follows.
+    load(w,
+        files.write("doc.rtf",
+            "{\\rtf1\\ansi{\\colortbl;\\red255\\green0\\blue0;}\\cf1\\fs48 {\\b Bold} text\\par}"),
+        1);
     QCOMPARE(w->txtBox[1]->Text(), QStringLiteral("Bold text\n"));
     QCOMPARE(w->TELabel[1]->text(), QStringLiteral("RichText(RTF)"));
     QVERIFY(w->TEBMenu[1]->isHidden());
@@ -380,6 +385,20 @@ void TstDocuments::styledTextHidesThePopupUntilAPlainFile()
     QCOMPARE(w->TELabel[1]->text(), QStringLiteral("Text encoding:"));
     QCOMPARE(w->encodingMode[1], 0);
     QCOMPARE(w->txtBox[1]->Text(), QStringLiteral("café\n"));
+    QCOMPARE(w->txtBox[1]->LineHeight(), QFontMetrics(toolkit::systemFont()).lineSpacing());
+    const QImage shown = w->txtBox[1]->grab().toImage();
+    for (int y = 0; y < shown.height(); ++y) {
+        for (int x = 0; x < shown.width(); ++x) {
+            const QColor c = shown.pixelColor(x, y);
+            QVERIFY2(
+                c.red() < 2 * c.green() + 60, qPrintable(QStringLiteral("%1, %2").arg(x).arg(y)));
+        }
+    }
+
+    // Every break a styled text shows ends a compared line, a line break as well as a paragraph.
+    load(w, files.write("lines.rtf", "{\\rtf1\\ansi one\\line two\\par three}"), 0);
+    QCOMPARE(w->txtBox[0]->Lines(), (QStringList{"one", "two", "three"}));
+    QCOMPARE(w->txtBox[0]->CharacterPosition(2), 9);
 }
 
 void TstDocuments::clearAll()

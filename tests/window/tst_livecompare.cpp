@@ -9,6 +9,7 @@
 #include "TextArea.h"
 #include "Timer.h"
 
+#include <QAbstractScrollArea>
 #include <QRandomGenerator>
 #include <QScrollBar>
 #include <QSignalSpy>
@@ -110,11 +111,16 @@ DiffWin* open(int left = 0, int right = 0)
     return w;
 }
 
+QScrollBar* verticalBar(const toolkit::TextArea* pane)
+{
+    return qobject_cast<QAbstractScrollArea*>(pane->focusProxy())->verticalScrollBar();
+}
+
 // Lines beyond a pane's end stand for its end.
 QList<int> clamped(const DiffWin* w, QList<int> lines)
 {
     for (int s = 0; s < 2; ++s)
-        lines[s] = std::min(lines[s], w->txtBox[s]->verticalScrollBar()->maximum());
+        lines[s] = std::min(lines[s], verticalBar(w->txtBox[s])->maximum());
     return lines;
 }
 
@@ -137,15 +143,11 @@ std::optional<indicator::Band> shownBand(const DiffWin* w, int i)
     indicator::Band band;
     for (int s = 0; s < 2; ++s) {
         const auto* pane = w->txtBox[s];
-        const auto rect = [pane](int line) {
-            return pane->cursorRect(QTextCursor(pane->document()->findBlockByNumber(line)));
-        };
-        const QRect first = rect(kTops[s][i]);
-        const QRect last = rect(std::max(kEnds[s][i], kTops[s][i]));
-        if (first.top() < 0 || last.bottom() >= pane->viewport()->height())
+        const QRect first = pane->lineRect(kTops[s][i]);
+        const QRect last = pane->lineRect(std::max(kEnds[s][i], kTops[s][i]));
+        if (first.top() < pane->TextTop() || last.bottom() >= pane->TextTop() + pane->TextHeight())
             return std::nullopt;
-        const int dy
-            = pane->viewport()->mapTo(w, QPoint()).y() - w->diffCanvas->mapTo(w, QPoint()).y();
+        const int dy = pane->mapTo(w, QPoint()).y() - w->diffCanvas->mapTo(w, QPoint()).y();
         const int bottom = kEnds[s][i] < 0 ? first.top() : last.bottom() + 1;
         band.side[s] = {kTops[s][i], kEnds[s][i], first.top() + dy, bottom + dy};
     }
@@ -166,12 +168,39 @@ QPoint inside(const DiffWin* w, const indicator::Band& b, int x)
 bool selects(const DiffWin* w, int i)
 {
     for (int s = 0; s < 2; ++s) {
-        const QTextDocument* doc = w->txtBox[s]->document();
-        const int start = doc->findBlockByNumber(kTops[s][i]).position();
-        const int end
-            = kEnds[s][i] < 0 ? start : doc->findBlockByNumber(kEnds[s][i] + 1).position();
-        const QTextCursor c = w->txtBox[s]->textCursor();
-        if (c.selectionStart() != start || c.selectionEnd() != end)
+        const toolkit::TextArea* pane = w->txtBox[s];
+        const int start = pane->CharacterPosition(kTops[s][i]) - 1;
+        const int end = kEnds[s][i] < 0 ? start : pane->CharacterPosition(kEnds[s][i] + 1) - 1;
+        if (pane->SelectionStart() != start || pane->SelectionLength() != end - start)
+            return false;
+    }
+    return true;
+}
+
+// Every band fully in view is drawn where the panes show its lines, down to its last row, and
+// nothing is drawn beside rows of the panes that show no text.
+bool bandsMatchThePanes(const DiffWin* w, int current)
+{
+    const toolkit::TextArea* pane = w->txtBox[0];
+    const int textBottom = pane->TextTop() + pane->TextHeight() + pane->mapTo(w, QPoint()).y()
+        - w->diffCanvas->mapTo(w, QPoint()).y();
+    for (int y = textBottom; y < w->diffCanvas->height(); ++y) {
+        for (int x = 0; x < w->diffCanvas->width(); x += 4) {
+            if (pixel(w, {x, y}) != kGround)
+                return false;
+        }
+    }
+    for (int i = 0; i < 5; ++i) {
+        const auto shown = shownBand(w, i);
+        if (!shown)
+            continue;
+        const QRgb colour = i == current ? kCurrent : kBand;
+        const int column = kEnds[0][i] < 0 ? w->diffCanvas->width() - 8 : 8;
+        const int edge = kEnds[0][i] < 0 ? w->diffCanvas->width() - 1 : 0;
+        const auto& side = shown->side[kEnds[0][i] < 0 ? 1 : 0];
+        if (pixel(w, inside(w, *shown, column)) != colour
+            || pixel(w, {edge, side.bottom - 1}) != colour
+            || pixel(w, {edge, side.bottom}) == colour)
             return false;
     }
     return true;
@@ -202,6 +231,8 @@ private slots:
     void choosingADifference();
     void scrolling_data();
     void scrolling();
+    void sameOnlyWhenTheLinesAre_data();
+    void sameOnlyWhenTheLinesAre();
 };
 
 void TstLiveCompare::cleanup()
@@ -228,7 +259,7 @@ void TstLiveCompare::typingWaitsForThePause()
     QVERIFY(w);
     auto* pane = w->txtBox[0];
     pane->setFocus();
-    pane->setTextCursor(QTextCursor(pane->document()->findBlockByNumber(40)));
+    pane->select(pane->CharacterPosition(40) - 1, 0);
     const SeqDiff::Difference* before = w->diffs.data();
     int comparisons = 0;
     QObject probe;
@@ -237,11 +268,11 @@ void TstLiveCompare::typingWaitsForThePause()
         before = w->diffs.data();
     });
 
-    QTest::keyClick(pane, Qt::Key_E);
+    QTest::keyClick(pane->focusProxy(), Qt::Key_E);
     QSignalSpy ticks(w->Timer1, &toolkit::Timer::Action);
     QSignalSpy pauses(w->Timer2, &toolkit::Timer::Action);
     // Typed at a user's pace, slower than the polling but faster than the pause.
-    QTest::keyClicks(pane, QStringLiteral("dit"), Qt::NoModifier, 40);
+    QTest::keyClicks(pane->focusProxy(), QStringLiteral("dit"), Qt::NoModifier, 40);
     QCOMPARE(ticks.count(), 0);
     QVERIFY(pauses.wait(3000));
     QCOMPARE(comparisons, 0);
@@ -304,8 +335,9 @@ void TstLiveCompare::aResultForOldTextsIsDropped()
     emit w->Timer2->Action();
     tick(w);
     for (int s : edited) {
-        QTextCursor c(w->txtBox[s]->document()->findBlockByNumber(30 + 20 * s));
-        c.insertText(QStringLiteral("edited "));
+        auto* pane = w->txtBox[s];
+        pane->select(pane->CharacterPosition(30 + 20 * s) - 1, 0);
+        QTest::keyClick(pane->focusProxy(), Qt::Key_E);
     }
     settle(w);
     QCOMPARE(taken.count(), 1);
@@ -337,8 +369,8 @@ void TstLiveCompare::typingDuringALongComparison()
 
     auto* pane = w->txtBox[0];
     pane->setFocus();
-    pane->selectAll();
-    QTest::keyClicks(pane, QStringLiteral("4"));
+    pane->select(0, int(pane->TextLength()));
+    QTest::keyClicks(pane->focusProxy(), QStringLiteral("4"));
     settle(w);
     QCOMPARE(taken.count(), 1);
     QVERIFY(w->diffs == expected(w));
@@ -430,6 +462,9 @@ void TstLiveCompare::scrolling_data()
     QTest::newRow("wheel over one pane") << QStringLiteral("pane") << QList{0, 0} << 2 * down << 1
                                          << QList{0, 2 * QApplication::wheelScrollLines()};
     QTest::newRow("scroll bar") << QStringLiteral("bar") << QList{0, 0} << down << 2 << QList{0, 2};
+    // Keys scroll the pane they are typed in, and the bands follow at the next tick.
+    QTest::newRow("ctrl end key") << QStringLiteral("key") << QList{10, 10} << QPoint() << 1
+                                  << QList{10, 999};
 }
 
 void TstLiveCompare::scrolling()
@@ -444,12 +479,14 @@ void TstLiveCompare::scrolling()
     const SeqDiff::Difference* records = w->diffs.data();
     for (int i = 0; i < events; ++i) {
         if (over == u"bar")
-            w->txtBox[1]->verticalScrollBar()->triggerAction(QAbstractSlider::SliderSingleStepAdd);
+            verticalBar(w->txtBox[1])->triggerAction(QAbstractSlider::SliderSingleStepAdd);
+        else if (over == u"key")
+            QTest::keyClick(w->txtBox[1]->focusProxy(), Qt::Key_End, Qt::ControlModifier);
         else
             wheel(over == u"pane" ? w->txtBox[1]->viewport() : w->diffCanvas, angle);
     }
     QCOMPARE(scrolled(w), clamped(w, to));
-    const bool dirty = over != u"bar" && angle.y() != 0;
+    const bool dirty = over != u"bar" && over != u"key" && angle.y() != 0;
     QCOMPARE(w->dirty, dirty);
 
     // A comparison resets what the timer saw, so the tick after it draws once more.
@@ -458,8 +495,37 @@ void TstLiveCompare::scrolling()
     QCOMPARE(redraws(w), moved && dirty);
     QVERIFY(!redraws(w));
     QCOMPARE((QList{w->scrolTop[0], w->scrolTop[1]}), scrolled(w));
+    QVERIFY(bandsMatchThePanes(w, 0));
     // The texts have not changed, so the records of their comparison are the ones made before.
     QCOMPARE(w->diffs.data(), records);
+}
+
+void TstLiveCompare::sameOnlyWhenTheLinesAre_data()
+{
+    QTest::addColumn<QString>("left");
+    QTest::addColumn<QString>("right");
+    QTest::addColumn<bool>("same");
+    QTest::newRow("line ends differ") << "a\r\nb\rc"
+                                      << "a\nb\nc" << true;
+    QTest::newRow("frame marks are characters") << QString::fromUtf16(u"a\uFDD0b\uFDD1") << "a\nb\n"
+                                                << false;
+    QTest::newRow("separators are characters")
+        << QString::fromUtf16(u"a\u2029b\u2028c") << "a\nb\nc" << false;
+    QTest::newRow("NUL is a character") << QString::fromUtf16(u"a\0b", 3) << "ab" << false;
+}
+
+void TstLiveCompare::sameOnlyWhenTheLinesAre()
+{
+    QFETCH(QString, left);
+    QFETCH(QString, right);
+    QFETCH(bool, same);
+    DiffWin* w = open();
+    QVERIFY(w);
+    w->txtBox[0]->setText(left);
+    w->txtBox[1]->setText(right);
+    settle(w);
+    QCOMPARE(w->SameFilm->isVisible(), same);
+    QCOMPARE(w->diffs.empty(), same);
 }
 
 int main(int, char**)
