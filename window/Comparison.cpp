@@ -40,7 +40,8 @@ void Comparison::start(std::shared_ptr<const SeqDiff::LineSource> a,
             records = std::make_shared<Records>(SeqDiff::FindDifferences(*a, *b, token));
         } catch (const SeqDiff::Cancelled&) {
             return;
-        } catch (const std::bad_alloc&) {
+        } catch (const std::exception&) {
+            // Out of memory, most likely: the window keeps its last result.
         }
         const std::lock_guard hold(box->lock);
         if (box->receiver && !token.stop_requested())

@@ -33,7 +33,7 @@ public:
 
 signals:
     void finished(Comparison::Revisions revisions, std::shared_ptr<Comparison::Records> records);
-    // The engine gave up (out of memory); nothing comes for these revisions.
+    // The engine gave up, out of memory most likely; nothing comes for these revisions.
     void failed(Comparison::Revisions revisions);
 
 private:

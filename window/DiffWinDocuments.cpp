@@ -25,6 +25,7 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <exception>
 #include <functional>
 #include <stop_token>
 #include <string_view>
@@ -96,8 +97,13 @@ void workAside(
     if (escOrQuit())
         stop.request_stop();
     std::atomic<bool> done = false;
+    std::exception_ptr failure;
     std::jthread worker([&] {
-        work(stop.get_token());
+        try {
+            work(stop.get_token());
+        } catch (...) {
+            failure = std::current_exception();
+        }
         done = true;
         // Wakes the loop below.
         QMetaObject::invokeMethod(
@@ -112,6 +118,9 @@ void workAside(
             stop.request_stop();
         show();
     }
+    // As if the work had been done here.
+    if (failure)
+        std::rethrow_exception(failure);
 }
 
 const QString kProgressCaption = QStringLiteral("読込み中（Escキーで中断可）");
@@ -194,8 +203,9 @@ void DiffWin::readPlain(const FolderItem& file, int index, TextArea* pane, Bevel
             }
         },
         showProgress);
-    // A file that fails part way is left unread, as one that can't be opened.
-    if (!stream.error().empty())
+    // A file that fails part way is left unread, as one that can't be opened; nor is the text
+    // of a read that quitting stopped worth showing.
+    if (!stream.error().empty() || toolkit::Application::quitting())
         return;
     pane->setTextFont(QStringLiteral("System"));
     pane->setTextSize(0);
