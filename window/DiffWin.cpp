@@ -560,10 +560,10 @@ void DiffWin::takeResult(
 
 QString DiffWin::totalText() const
 {
-    if (!comparedRevisions || bandsHidden)
-        return QString();
     if (waitingLong && !resultIsCurrent())
         return kWaitingTotal;
+    if (!comparedRevisions || bandsHidden)
+        return QString();
     return QString::number(diffs.size());
 }
 
