@@ -100,9 +100,9 @@ void key(QWidget* target, int code, const QString& text)
 void typeOrErase(TextArea& pane, int turn)
 {
     if (turn % 2 == 0)
-        key(&pane, Qt::Key_X, QStringLiteral("x"));
+        key(pane.focusProxy(), Qt::Key_X, QStringLiteral("x"));
     else
-        key(&pane, Qt::Key_Backspace, QString());
+        key(pane.focusProxy(), Qt::Key_Backspace, QString());
 }
 
 // A keystroke in a pane: the edit and what the window does about it, before the pause.

@@ -166,10 +166,16 @@ char16_t LineStore::at(qsizetype position) const
 
 QString LineStore::text(qsizetype from, qsizetype to) const
 {
+    QString out;
+    appendText(out, from, to);
+    return out;
+}
+
+void LineStore::appendText(QString& out, qsizetype from, qsizetype to) const
+{
     from = std::clamp<qsizetype>(from, 0, size());
     to = std::clamp<qsizetype>(to, from, size());
-    QString out;
-    out.reserve(to - from);
+    out.reserve(out.size() + to - from);
     auto it = std::upper_bound(firstChar.begin(), firstChar.end() - 1, from);
     for (std::size_t b = std::size_t(it - firstChar.begin()) - 1;
          b < blocks.size() && firstChar[b] < to; ++b) {
@@ -177,7 +183,6 @@ QString LineStore::text(qsizetype from, qsizetype to) const
         const qsizetype e = std::min(to, firstChar[b + 1]) - firstChar[b];
         out.append(reinterpret_cast<const QChar*>(blocks[b]->data() + s), e - s);
     }
-    return out;
 }
 
 // The lines from the one before `from` to the one holding `to` are cut again, so that a CR and
@@ -201,9 +206,9 @@ void LineStore::replace(qsizetype from, qsizetype to, QStringView with)
     QString merged;
     merged.reserve(head + (from - regionStart) + with.size() + (regionEnd - to) + tail);
     merged.append(reinterpret_cast<const QChar*>(first.data()), head);
-    merged.append(text(regionStart, from));
+    appendText(merged, regionStart, from);
     merged.append(with);
-    merged.append(text(to, regionEnd));
+    appendText(merged, to, regionEnd);
     const qsizetype regionNewEnd = merged.size();
     merged.append(reinterpret_cast<const QChar*>(last.data() + last.lineEnd(pz.line)), tail);
 

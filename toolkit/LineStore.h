@@ -55,6 +55,7 @@ public:
     char16_t at(qsizetype position) const;
     QString text(qsizetype from, qsizetype to) const;
     QString text() const { return text(0, size()); }
+    void appendText(QString& out, qsizetype from, qsizetype to) const;
 
     // Replaces [from, to) by `with`. Only the lines the change reaches get new blocks and hashes.
     void replace(qsizetype from, qsizetype to, QStringView with);

@@ -153,11 +153,16 @@ const PlainPane::Layout& PlainPane::layoutOf(qsizetype line) const
     if (layouts.size() > 4096)
         layouts.clear();
     Layout& l = layouts[line];
+    layOut(l, line, 0, 0);
+    return l;
+}
+
+// Lays out a line's pieces from column `i`, which starts a piece at x.
+void PlainPane::layOut(Layout& l, qsizetype line, qsizetype i, qreal x) const
+{
     const std::u16string_view s = text.line(line);
     const bool byTable = qsizetype(s.size()) > kMeasuredWhole;
     const QFontMetricsF fm(font());
-    qreal x = 0;
-    qsizetype i = 0;
     const auto n = qsizetype(s.size());
     while (i < n) {
         l.starts.push_back(i);
@@ -185,7 +190,32 @@ const PlainPane::Layout& PlainPane::layoutOf(qsizetype line) const
             const_cast<PlainPane*>(this), [this] { const_cast<PlainPane*>(this)->updateBars(); },
             Qt::QueuedConnection);
     }
-    return l;
+}
+
+// After an edit inside one line, that line's pieces before the edit stay as they were; a very
+// long line is then not measured again from its start on every keystroke.
+void PlainPane::relayOut(qsizetype line, qsizetype column)
+{
+    const auto found = layouts.find(line);
+    if (found == layouts.end())
+        return;
+    Layout& l = found->second;
+    const bool byTable = qsizetype(text.line(line).size()) > kMeasuredWhole;
+    const bool wasByTable = l.starts.back() > kMeasuredWhole;
+    if (byTable != wasByTable) {
+        layouts.erase(found);
+        return;
+    }
+    auto k = std::size_t(
+        std::upper_bound(l.starts.begin(), l.starts.end(), column) - l.starts.begin());
+    k = k > 0 ? k - 1 : 0;
+    // A piece may have ended at the edit, or a surrogate pair been made or broken there.
+    k = k > 0 ? k - 1 : 0;
+    const qsizetype from = l.starts[k];
+    const qreal x = l.xs[k];
+    l.starts.resize(k);
+    l.xs.resize(k);
+    layOut(l, line, from, x);
 }
 
 qreal PlainPane::xOf(qsizetype line, qsizetype column) const
@@ -631,9 +661,7 @@ void PlainPane::edit(qsizetype from, qsizetype to, const QString& with, bool typ
         undos.push_back(std::move(e));
     }
     redos.clear();
-    text.replace(from, to, with);
-    ++rev;
-    forgetLayouts();
+    change(from, to, with);
     caret = anchor = from + with.size();
     updateBars();
     ensureVisible(caret);
@@ -643,15 +671,29 @@ void PlainPane::edit(qsizetype from, qsizetype to, const QString& with, bool typ
     emit selectionChanged();
 }
 
+void PlainPane::change(qsizetype from, qsizetype to, QStringView with)
+{
+    const qsizetype line = text.lineAt(from);
+    const qsizetype lines = text.lineCount();
+    const auto hasBreak = [](QStringView s) { return s.contains(u'\r') || s.contains(u'\n'); };
+    // A CR and an LF that meet or part change the lines, as a break does.
+    const bool withinLine = !hasBreak(with) && !hasBreak(text.text(from, to))
+        && (from == 0 || text.at(from - 1) != u'\r') && (to >= text.size() || text.at(to) != u'\n');
+    text.replace(from, to, with);
+    ++rev;
+    if (withinLine && text.lineCount() == lines)
+        relayOut(line, from - text.lineStart(line));
+    else
+        forgetLayouts();
+}
+
 void PlainPane::undo()
 {
     if (!canUndo())
         return;
     Edit e = std::move(undos.back());
     undos.pop_back();
-    text.replace(e.at, e.at + e.inserted.size(), e.removed);
-    ++rev;
-    forgetLayouts();
+    change(e.at, e.at + e.inserted.size(), e.removed);
     caret = e.caretBefore;
     anchor = e.anchorBefore;
     redos.push_back(std::move(e));
@@ -668,9 +710,7 @@ void PlainPane::redo()
         return;
     Edit e = std::move(redos.back());
     redos.pop_back();
-    text.replace(e.at, e.at + e.removed.size(), e.inserted);
-    ++rev;
-    forgetLayouts();
+    change(e.at, e.at + e.removed.size(), e.inserted);
     caret = anchor = e.at + e.inserted.size();
     e.typing = false;
     undos.push_back(std::move(e));
