@@ -1,5 +1,6 @@
 #include "PlainPane.h"
 
+#include <QAccessibleWidget>
 #include <QApplication>
 #include <QClipboard>
 #include <QDrag>
@@ -33,11 +34,169 @@ QString viewOf(std::u16string_view s)
     return QString::fromRawData(reinterpret_cast<const QChar*>(s.data()), qsizetype(s.size()));
 }
 
+// What a screen reader reads and edits through: the text on the pane's UTF-16 offsets.
+class PaneAccessible : public QAccessibleWidget,
+                       public QAccessibleTextInterface,
+                       public QAccessibleEditableTextInterface
+{
+public:
+    explicit PaneAccessible(PlainPane* pane)
+        : QAccessibleWidget(pane, QAccessible::EditableText)
+    {
+    }
+    void* interface_cast(QAccessible::InterfaceType t) override
+    {
+        if (t == QAccessible::TextInterface)
+            return static_cast<QAccessibleTextInterface*>(this);
+        if (t == QAccessible::EditableTextInterface)
+            return static_cast<QAccessibleEditableTextInterface*>(this);
+        return QAccessibleWidget::interface_cast(t);
+    }
+    QAccessible::State state() const override
+    {
+        QAccessible::State s = QAccessibleWidget::state();
+        s.editable = !pane()->isReadOnly();
+        s.readOnly = pane()->isReadOnly();
+        s.multiLine = true;
+        s.selectableText = true;
+        return s;
+    }
+    QString text(QAccessible::Text t) const override
+    {
+        if (t == QAccessible::Value)
+            return pane()->store().text();
+        return QAccessibleWidget::text(t);
+    }
+
+    void selection(int index, int* start, int* end) const override
+    {
+        const bool any = index == 0 && pane()->hasSelection();
+        *start = any ? int(pane()->selectionStart()) : 0;
+        *end = any ? int(pane()->selectionEnd()) : 0;
+    }
+    int selectionCount() const override { return pane()->hasSelection() ? 1 : 0; }
+    void addSelection(int start, int end) override { setSelection(0, start, end); }
+    void removeSelection(int) override
+    {
+        pane()->setSelection(pane()->cursorPosition(), pane()->cursorPosition());
+    }
+    void setSelection(int, int start, int end) override { pane()->setSelection(start, end); }
+    int cursorPosition() const override { return int(pane()->cursorPosition()); }
+    void setCursorPosition(int position) override { pane()->setSelection(position, position); }
+    QString text(int start, int end) const override { return pane()->store().text(start, end); }
+    int characterCount() const override { return int(pane()->store().size()); }
+    QRect characterRect(int offset) const override
+    {
+        const LineStore& t = pane()->store();
+        const QRectF caret = pane()->caretRect(offset);
+        const qreal next = offset < t.size() && t.at(offset) != u'\r' && t.at(offset) != u'\n'
+            ? pane()->caretRect(offset + 1).left()
+            : caret.left() + 1;
+        const QPoint origin = pane()->viewport()->mapToGlobal(QPoint());
+        return QRectF(caret.left(), caret.top(), next - caret.left(), caret.height())
+            .toAlignedRect()
+            .translated(origin);
+    }
+    int offsetAtPoint(const QPoint& point) const override
+    {
+        return int(pane()->positionAt(pane()->viewport()->mapFromGlobal(point)));
+    }
+    void scrollToSubstring(int start, int) override { pane()->setSelection(start, start); }
+    QString attributes(int offset, int* start, int* end) const override
+    {
+        *start = *end = offset;
+        return QString();
+    }
+    QString textAtOffset(
+        int offset, QAccessible::TextBoundaryType type, int* start, int* end) const override
+    {
+        const LineStore& t = pane()->store();
+        if (type != QAccessible::LineBoundary && type != QAccessible::ParagraphBoundary
+            && type != QAccessible::SentenceBoundary)
+            return around(offset, type, start, end);
+        const qsizetype line = t.lineAt(offset);
+        *start = int(t.lineStart(line));
+        *end = int(t.lineStart(line + 1));
+        return t.text(*start, *end);
+    }
+    QString textBeforeOffset(
+        int offset, QAccessible::TextBoundaryType type, int* start, int* end) const override
+    {
+        int s = 0, e = 0;
+        textAtOffset(offset, type, &s, &e);
+        if (s <= 0) {
+            *start = *end = 0;
+            return QString();
+        }
+        return textAtOffset(s - 1, type, start, end);
+    }
+    QString textAfterOffset(
+        int offset, QAccessible::TextBoundaryType type, int* start, int* end) const override
+    {
+        int s = 0, e = 0;
+        textAtOffset(offset, type, &s, &e);
+        if (e >= characterCount() || e <= offset) {
+            *start = *end = characterCount();
+            return QString();
+        }
+        return textAtOffset(e, type, start, end);
+    }
+
+    void deleteText(int start, int end) override { pane()->replace(start, end, QString()); }
+    void insertText(int offset, const QString& text) override
+    {
+        pane()->replace(offset, offset, text);
+    }
+    void replaceText(int start, int end, const QString& text) override
+    {
+        pane()->replace(start, end, text);
+    }
+
+private:
+    PlainPane* pane() const { return static_cast<PlainPane*>(widget()); }
+    // Characters and words, found within the line around the offset.
+    QString around(int offset, QAccessible::TextBoundaryType type, int* start, int* end) const
+    {
+        const LineStore& t = pane()->store();
+        const qsizetype line = t.lineAt(offset);
+        const qsizetype from = std::max(t.lineStart(line), qsizetype(offset) - kWordReach);
+        const qsizetype to = std::min(t.lineStart(line + 1), qsizetype(offset) + kWordReach);
+        const QString piece = t.text(from, to);
+        if (type == QAccessible::NoBoundary) {
+            *start = 0;
+            *end = characterCount();
+            return text(0, *end);
+        }
+        QTextBoundaryFinder f(type == QAccessible::WordBoundary ? QTextBoundaryFinder::Word
+                                                                : QTextBoundaryFinder::Grapheme,
+            piece);
+        f.setPosition(offset - from);
+        const qsizetype a = f.isAtBoundary() ? offset - from : f.toPreviousBoundary();
+        f.setPosition(offset - from);
+        const qsizetype b = f.toNextBoundary();
+        *start = int(from + std::max<qsizetype>(a, 0));
+        *end = int(from + (b < 0 ? piece.size() : b));
+        return t.text(*start, *end);
+    }
+};
+
+QAccessibleInterface* paneAccessible(const QString& key, QObject* object)
+{
+    if (key == QLatin1String("toolkit::PlainPane") && object->isWidgetType())
+        return new PaneAccessible(static_cast<PlainPane*>(object));
+    return nullptr;
+}
+
 } // namespace
 
 PlainPane::PlainPane(QWidget* parent)
     : QAbstractScrollArea(parent)
 {
+    static const bool factory = [] {
+        QAccessible::installFactory(paneAccessible);
+        return true;
+    }();
+    Q_UNUSED(factory);
     setAttribute(Qt::WA_InputMethodEnabled);
     setFocusPolicy(Qt::StrongFocus);
     viewport()->setCursor(Qt::IBeamCursor);
@@ -92,6 +251,11 @@ void PlainPane::setSelection(qsizetype anchorAt, qsizetype position, bool scroll
         ensureVisible(caret);
     restartBlink();
     viewport()->update();
+    if (QAccessible::isActive()) {
+        QAccessibleTextSelectionEvent e(this, int(selectionStart()), int(selectionEnd()));
+        e.setCursorPosition(int(caret));
+        QAccessible::updateAccessibility(&e);
+    }
     emit selectionChanged();
 }
 
@@ -673,6 +837,7 @@ void PlainPane::edit(qsizetype from, qsizetype to, const QString& with, bool typ
 
 void PlainPane::change(qsizetype from, qsizetype to, QStringView with)
 {
+    const QString removed = QAccessible::isActive() ? text.text(from, to) : QString();
     const qsizetype line = text.lineAt(from);
     const qsizetype lines = text.lineCount();
     const auto hasBreak = [](QStringView s) { return s.contains(u'\r') || s.contains(u'\n'); };
@@ -681,6 +846,10 @@ void PlainPane::change(qsizetype from, qsizetype to, QStringView with)
         && (from == 0 || text.at(from - 1) != u'\r') && (to >= text.size() || text.at(to) != u'\n');
     text.replace(from, to, with);
     ++rev;
+    if (QAccessible::isActive()) {
+        QAccessibleTextUpdateEvent e(this, int(from), removed, with.toString());
+        QAccessible::updateAccessibility(&e);
+    }
     if (withinLine && text.lineCount() == lines)
         relayOut(line, from - text.lineStart(line));
     else
