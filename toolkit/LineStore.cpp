@@ -86,11 +86,34 @@ std::u16string_view LineBlock::line(std::size_t k) const
 }
 
 LineStore::LineStore(QString text)
+    : LineStore(text, text.size())
+{
+}
+
+LineStore::LineStore(const QString& text, qsizetype to)
 {
     {
         BlockMaker maker(text, blocks);
         const auto* d = reinterpret_cast<const char16_t*>(text.constData());
-        forEachLine(d, 0, text.size(), true, [&](qsizetype s, qsizetype e) { maker.add(s, e); });
+        forEachLine(d, 0, to, true, [&](qsizetype s, qsizetype e) { maker.add(s, e); });
+    }
+    reindex();
+}
+
+void LineStore::extendTo(const QString& text, qsizetype to)
+{
+    const LineBlock& last = *blocks.back();
+    if (last.buffer.constData() != text.constData() || last.from + last.size != size()) {
+        replace(size(), size(), QStringView(text).sliced(size(), to - size()));
+        return;
+    }
+    // The last block ends with the text's last line so far, whose break may be still to come.
+    const qsizetype from = last.from;
+    blocks.pop_back();
+    {
+        BlockMaker maker(text, blocks);
+        const auto* d = reinterpret_cast<const char16_t*>(text.constData());
+        forEachLine(d, from, to, true, [&](qsizetype s, qsizetype e) { maker.add(s, e); });
     }
     reindex();
 }

@@ -43,6 +43,10 @@ public:
     }
     // Safe on any thread. Blocks keep views of `text` rather than a copy.
     explicit LineStore(QString text);
+    // The lines of text's first `to` units, or up to `to` once more of the same text has come
+    // (a text taken in by slices); blocks keep views of `text` rather than a copy.
+    LineStore(const QString& text, qsizetype to);
+    void extendTo(const QString& text, qsizetype to);
 
     qsizetype size() const { return firstChar.back(); }
     qsizetype lineCount() const { return qsizetype(firstLine.back()); }

@@ -1,5 +1,7 @@
 #include "PlainPane.h"
 
+#include "MenuBar.h"
+
 #include <QAccessibleWidget>
 #include <QApplication>
 #include <QClipboard>
@@ -1081,15 +1083,19 @@ void PlainPane::contextMenuEvent(QContextMenuEvent* e)
         a->setEnabled(enabled);
         connect(a, &QAction::triggered, this, slot);
     };
-    add(tr("&Undo"), canUndo(), &PlainPane::undo);
-    add(tr("&Redo"), canRedo(), &PlainPane::redo);
+    // The Edit menu's own words.
+    const auto label = [](const char* name, const char* english) {
+        return MenuBar::itemText(QLatin1String(name), QLatin1String(english));
+    };
+    add(label("EditUndo", "Undo"), canUndo(), &PlainPane::undo);
+    add(label("EditRedo", "Redo"), canRedo(), &PlainPane::redo);
     menu.addSeparator();
-    add(tr("Cu&t"), !readOnly && hasSelection(), &PlainPane::cut);
-    add(tr("&Copy"), hasSelection(), &PlainPane::copy);
-    add(tr("&Paste"), canPaste(), &PlainPane::paste);
-    add(tr("Delete"), !readOnly && hasSelection(), &PlainPane::removeSelectedText);
+    add(label("EditCut", "Cut"), !readOnly && hasSelection(), &PlainPane::cut);
+    add(label("EditCopy", "Copy"), hasSelection(), &PlainPane::copy);
+    add(label("EditPaste", "Paste"), canPaste(), &PlainPane::paste);
+    add(label("EditClear", "Delete"), !readOnly && hasSelection(), &PlainPane::removeSelectedText);
     menu.addSeparator();
-    add(tr("Select All"), text.size() > 0, &PlainPane::selectAll);
+    add(label("EditSelectAll", "Select All"), text.size() > 0, &PlainPane::selectAll);
     menu.exec(e->globalPos());
 }
 
