@@ -562,7 +562,7 @@ void PlainPane::paintEvent(QPaintEvent*)
                 p.fillRect(QRectF(left + xOf(line, at - start), top, 1, metricsHeight),
                     pal.color(group, QPalette::Text));
         };
-        if (hasFocus() && caretShown && (!readOnly || hasSelection()))
+        if (hasFocus() && caretShown && !readOnly)
             bar(caret);
         if (dropCaret >= 0)
             bar(dropCaret);
@@ -636,49 +636,36 @@ qsizetype PlainPane::moved(int key, qsizetype from) const
     };
     switch (key) {
     case QKeySequence::MoveToNextChar:
-    case QKeySequence::SelectNextChar:
         if (from >= text.size())
             return from;
         if (from == text.lineEnd(line))
             return text.lineStart(line + 1);
         return from + (QChar::isHighSurrogate(text.at(from)) && from + 1 < text.size() ? 2 : 1);
     case QKeySequence::MoveToPreviousChar:
-    case QKeySequence::SelectPreviousChar:
         if (from <= 0)
             return 0;
         if (from == text.lineStart(line))
             return text.lineEnd(line - 1);
         return from - (QChar::isLowSurrogate(text.at(from - 1)) && from > 1 ? 2 : 1);
     case QKeySequence::MoveToNextWord:
-    case QKeySequence::SelectNextWord:
         return wordStart(from, true);
     case QKeySequence::MoveToPreviousWord:
-    case QKeySequence::SelectPreviousWord:
         return wordStart(from, false);
     case QKeySequence::MoveToNextLine:
-    case QKeySequence::SelectNextLine:
         return line + 1 < text.lineCount() ? toLine(line + 1) : text.size();
     case QKeySequence::MoveToPreviousLine:
-    case QKeySequence::SelectPreviousLine:
         return line > 0 ? toLine(line - 1) : 0;
     case QKeySequence::MoveToNextPage:
-    case QKeySequence::SelectNextPage:
         return toLine(line + rows);
     case QKeySequence::MoveToPreviousPage:
-    case QKeySequence::SelectPreviousPage:
         return toLine(line - rows);
     case QKeySequence::MoveToStartOfLine:
-    case QKeySequence::SelectStartOfLine:
     case QKeySequence::MoveToStartOfBlock:
-    case QKeySequence::SelectStartOfBlock:
         return text.lineStart(line);
     case QKeySequence::MoveToEndOfLine:
-    case QKeySequence::SelectEndOfLine:
     case QKeySequence::MoveToEndOfBlock:
-    case QKeySequence::SelectEndOfBlock:
         return text.lineEnd(line);
     case QKeySequence::MoveToStartOfDocument:
-    case QKeySequence::SelectStartOfDocument:
         return 0;
     default: // the end of the document
         return text.size();
@@ -714,28 +701,20 @@ bool PlainPane::event(QEvent* e)
 
 void PlainPane::keyPressEvent(QKeyEvent* e)
 {
-    static const QKeySequence::StandardKey moves[]
-        = {QKeySequence::MoveToNextChar, QKeySequence::MoveToPreviousChar,
-            QKeySequence::MoveToNextWord, QKeySequence::MoveToPreviousWord,
-            QKeySequence::MoveToNextLine, QKeySequence::MoveToPreviousLine,
-            QKeySequence::MoveToNextPage, QKeySequence::MoveToPreviousPage,
-            QKeySequence::MoveToStartOfLine, QKeySequence::MoveToEndOfLine,
-            QKeySequence::MoveToStartOfBlock, QKeySequence::MoveToEndOfBlock,
-            QKeySequence::MoveToStartOfDocument, QKeySequence::MoveToEndOfDocument};
-    static const QKeySequence::StandardKey selects[]
-        = {QKeySequence::SelectNextChar, QKeySequence::SelectPreviousChar,
-            QKeySequence::SelectNextWord, QKeySequence::SelectPreviousWord,
-            QKeySequence::SelectNextLine, QKeySequence::SelectPreviousLine,
-            QKeySequence::SelectNextPage, QKeySequence::SelectPreviousPage,
-            QKeySequence::SelectStartOfLine, QKeySequence::SelectEndOfLine,
-            QKeySequence::SelectStartOfBlock, QKeySequence::SelectEndOfBlock,
-            QKeySequence::SelectStartOfDocument, QKeySequence::SelectEndOfDocument};
-    const auto step = [&](QKeySequence::StandardKey s, bool select) {
-        const bool vertical = s == QKeySequence::MoveToNextLine
-            || s == QKeySequence::MoveToPreviousLine || s == QKeySequence::SelectNextLine
-            || s == QKeySequence::SelectPreviousLine || s == QKeySequence::MoveToNextPage
-            || s == QKeySequence::MoveToPreviousPage || s == QKeySequence::SelectNextPage
-            || s == QKeySequence::SelectPreviousPage;
+    // Each move with its selecting twin.
+    using K = QKeySequence;
+    static const std::pair<K::StandardKey, K::StandardKey> moves[] = {
+        {K::MoveToNextChar, K::SelectNextChar}, {K::MoveToPreviousChar, K::SelectPreviousChar},
+        {K::MoveToNextWord, K::SelectNextWord}, {K::MoveToPreviousWord, K::SelectPreviousWord},
+        {K::MoveToNextLine, K::SelectNextLine}, {K::MoveToPreviousLine, K::SelectPreviousLine},
+        {K::MoveToNextPage, K::SelectNextPage}, {K::MoveToPreviousPage, K::SelectPreviousPage},
+        {K::MoveToStartOfLine, K::SelectStartOfLine}, {K::MoveToEndOfLine, K::SelectEndOfLine},
+        {K::MoveToStartOfBlock, K::SelectStartOfBlock}, {K::MoveToEndOfBlock, K::SelectEndOfBlock},
+        {K::MoveToStartOfDocument, K::SelectStartOfDocument},
+        {K::MoveToEndOfDocument, K::SelectEndOfDocument}};
+    const auto step = [&](K::StandardKey s, bool select) {
+        const bool vertical = s == K::MoveToNextLine || s == K::MoveToPreviousLine
+            || s == K::MoveToNextPage || s == K::MoveToPreviousPage;
         const qsizetype line = text.lineAt(caret);
         const qreal x = xOf(line, caret - text.lineStart(line));
         if (!vertical)
@@ -744,24 +723,21 @@ void PlainPane::keyPressEvent(QKeyEvent* e)
             wantedX = x;
         qsizetype to = moved(s, caret);
         // Without shift, a move off a selection starts from its edge.
-        if (!select && hasSelection()
-            && (s == QKeySequence::MoveToNextChar || s == QKeySequence::MoveToPreviousChar))
-            to = s == QKeySequence::MoveToNextChar ? selectionEnd() : selectionStart();
+        if (!select && hasSelection() && (s == K::MoveToNextChar || s == K::MoveToPreviousChar))
+            to = s == K::MoveToNextChar ? selectionEnd() : selectionStart();
         const qreal keep = wantedX;
-        if (s == QKeySequence::MoveToNextPage || s == QKeySequence::SelectNextPage)
+        if (s == K::MoveToNextPage)
             scrollToLine(firstVisibleLine() + verticalScrollBar()->pageStep());
-        else if (s == QKeySequence::MoveToPreviousPage || s == QKeySequence::SelectPreviousPage)
+        else if (s == K::MoveToPreviousPage)
             scrollToLine(firstVisibleLine() - verticalScrollBar()->pageStep());
         setSelection(select ? anchor : to, to);
         wantedX = keep;
     };
-    for (QKeySequence::StandardKey s : moves) {
-        if (e->matches(s))
-            return step(s, false);
-    }
-    for (QKeySequence::StandardKey s : selects) {
-        if (e->matches(s))
-            return step(s, true);
+    for (const auto& [move, select] : moves) {
+        if (e->matches(move))
+            return step(move, false);
+        if (e->matches(select))
+            return step(move, true);
     }
     wantedX = -1;
     if (e->matches(QKeySequence::SelectAll))
