@@ -18,6 +18,9 @@ struct LineBlock
     qsizetype size = 0;
     std::vector<std::uint32_t> starts; // of each line, counted from `from`
     std::vector<std::uint64_t> hashes;
+    // A line edited in place since its hash was taken: its hash is taken when asked for, by
+    // whoever reads it, so that typing in a very long line does not hash it on every key.
+    std::size_t unhashed = std::size_t(-1);
 
     const char16_t* data() const
     {
@@ -71,6 +74,7 @@ private:
         std::size_t line; // within the block
     };
     Place placeOfLine(qsizetype i) const;
+    bool replaceInPlace(qsizetype from, qsizetype to, QStringView with);
     void reindex();
 
     std::vector<std::shared_ptr<const LineBlock>> blocks;

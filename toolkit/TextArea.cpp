@@ -320,11 +320,10 @@ QStringList TextArea::Lines() const
     return out;
 }
 
+// Not kept here: a block that no snapshot holds can take the next edit in place.
 std::shared_ptr<const TextSnapshot> TextArea::snapshot() const
 {
-    if (!lastSnapshot || lastSnapshot->revision() != revision)
-        lastSnapshot = std::make_shared<const TextSnapshot>(lines(), revision);
-    return lastSnapshot;
+    return std::make_shared<const TextSnapshot>(lines(), revision);
 }
 
 int TextArea::LineCount() const

@@ -251,7 +251,15 @@ void TstToolkit::storeFollowsTheSplitRule()
     };
     QString text = piece(length);
     toolkit::LineStore store(text);
+    // A copy taken now and then, as a snapshot is, must never change.
+    toolkit::LineStore held = store;
+    QString heldText = text;
     for (int edit = 0; edit < 300; ++edit) {
+        if (edit % 7 == 0) {
+            QCOMPARE(held.text(), heldText);
+            held = store;
+            heldText = text;
+        }
         const auto from = qsizetype(random() % (text.size() + 1));
         const auto to = std::min(text.size(), from + qsizetype(random() % (pieceLength + 1)));
         const QString with = piece(int(random() % (pieceLength + 1)));
@@ -275,6 +283,7 @@ void TstToolkit::storeFollowsTheSplitRule()
         }
     }
     QCOMPARE(store.text(), text);
+    QCOMPARE(held.text(), heldText);
 }
 
 void TstToolkit::editingByKeys_data()
