@@ -121,19 +121,13 @@ void click(QWidget* target)
     QCoreApplication::sendEvent(target, &release);
 }
 
-// The widget inside the pane that takes the keys.
-QWidget* typedInto(TextArea& pane)
-{
-    return pane.focusProxy() ? pane.focusProxy() : &pane;
-}
-
 // Types an x on even turns and takes it back on odd ones, so the text stays as it was.
 void typeOrErase(TextArea& pane, int turn)
 {
     if (turn % 2 == 0)
-        key(typedInto(pane), Qt::Key_X, QStringLiteral("x"));
+        key(pane.focusProxy(), Qt::Key_X, QStringLiteral("x"));
     else
-        key(typedInto(pane), Qt::Key_Backspace, QString());
+        key(pane.focusProxy(), Qt::Key_Backspace, QString());
 }
 
 // A keystroke in a pane: the edit and what the window does about it, before the pause.

@@ -86,11 +86,34 @@ std::u16string_view LineBlock::line(std::size_t k) const
 }
 
 LineStore::LineStore(QString text)
+    : LineStore(text, text.size())
+{
+}
+
+LineStore::LineStore(const QString& text, qsizetype to)
 {
     {
         BlockMaker maker(text, blocks);
         const auto* d = reinterpret_cast<const char16_t*>(text.constData());
-        forEachLine(d, 0, text.size(), true, [&](qsizetype s, qsizetype e) { maker.add(s, e); });
+        forEachLine(d, 0, to, true, [&](qsizetype s, qsizetype e) { maker.add(s, e); });
+    }
+    reindex();
+}
+
+void LineStore::extendTo(const QString& text, qsizetype to)
+{
+    const LineBlock& last = *blocks.back();
+    if (last.buffer.constData() != text.constData() || last.from + last.size != size()) {
+        replace(size(), size(), QStringView(text).sliced(size(), to - size()));
+        return;
+    }
+    // The last block ends with the text's last line so far, whose break may be still to come.
+    const qsizetype from = last.from;
+    blocks.pop_back();
+    {
+        BlockMaker maker(text, blocks);
+        const auto* d = reinterpret_cast<const char16_t*>(text.constData());
+        forEachLine(d, from, to, true, [&](qsizetype s, qsizetype e) { maker.add(s, e); });
     }
     reindex();
 }
@@ -127,7 +150,8 @@ std::u16string_view LineStore::line(qsizetype i) const
 std::uint64_t LineStore::lineHash(qsizetype i) const
 {
     const Place p = placeOfLine(i);
-    return blocks[p.block]->hashes[p.line];
+    const LineBlock& b = *blocks[p.block];
+    return p.line == b.unhashed ? SeqDiff::lineHash(b.line(p.line)) : b.hashes[p.line];
 }
 
 qsizetype LineStore::lineStart(qsizetype i) const
@@ -166,10 +190,16 @@ char16_t LineStore::at(qsizetype position) const
 
 QString LineStore::text(qsizetype from, qsizetype to) const
 {
+    QString out;
+    appendText(out, from, to);
+    return out;
+}
+
+void LineStore::appendText(QString& out, qsizetype from, qsizetype to) const
+{
     from = std::clamp<qsizetype>(from, 0, size());
     to = std::clamp<qsizetype>(to, from, size());
-    QString out;
-    out.reserve(to - from);
+    out.reserve(out.size() + to - from);
     auto it = std::upper_bound(firstChar.begin(), firstChar.end() - 1, from);
     for (std::size_t b = std::size_t(it - firstChar.begin()) - 1;
          b < blocks.size() && firstChar[b] < to; ++b) {
@@ -177,7 +207,6 @@ QString LineStore::text(qsizetype from, qsizetype to) const
         const qsizetype e = std::min(to, firstChar[b + 1]) - firstChar[b];
         out.append(reinterpret_cast<const QChar*>(blocks[b]->data() + s), e - s);
     }
-    return out;
 }
 
 // The lines from the one before `from` to the one holding `to` are cut again, so that a CR and
@@ -187,6 +216,8 @@ void LineStore::replace(qsizetype from, qsizetype to, QStringView with)
 {
     from = std::clamp<qsizetype>(from, 0, size());
     to = std::clamp<qsizetype>(to, from, size());
+    if (replaceInPlace(from, to, with))
+        return;
     const qsizetype a = std::max<qsizetype>(lineAt(from) - 1, 0);
     const qsizetype z = lineAt(to);
     const Place pa = placeOfLine(a);
@@ -201,28 +232,57 @@ void LineStore::replace(qsizetype from, qsizetype to, QStringView with)
     QString merged;
     merged.reserve(head + (from - regionStart) + with.size() + (regionEnd - to) + tail);
     merged.append(reinterpret_cast<const QChar*>(first.data()), head);
-    merged.append(text(regionStart, from));
+    appendText(merged, regionStart, from);
     merged.append(with);
-    merged.append(text(to, regionEnd));
+    appendText(merged, to, regionEnd);
     const qsizetype regionNewEnd = merged.size();
     merged.append(reinterpret_cast<const QChar*>(last.data() + last.lineEnd(pz.line)), tail);
 
     std::vector<std::shared_ptr<const LineBlock>> made;
     {
         BlockMaker maker(merged, made);
+        const auto kept = [](const LineBlock& b, std::size_t k) {
+            return k == b.unhashed ? nullptr : &b.hashes[k];
+        };
         for (std::size_t k = 0; k < pa.line; ++k)
-            maker.add(first.starts[k], qsizetype(first.lineEnd(k)), &first.hashes[k]);
+            maker.add(first.starts[k], qsizetype(first.lineEnd(k)), kept(first, k));
         const bool atEnd = pz.block + 1 == blocks.size() && pz.line + 1 == last.lineCount();
         const auto* d = reinterpret_cast<const char16_t*>(merged.constData());
         forEachLine(
             d, head, regionNewEnd, atEnd, [&](qsizetype s, qsizetype e) { maker.add(s, e); });
         const qsizetype shift = regionNewEnd - qsizetype(last.lineEnd(pz.line));
         for (std::size_t k = pz.line + 1; k < last.lineCount(); ++k)
-            maker.add(last.starts[k] + shift, qsizetype(last.lineEnd(k)) + shift, &last.hashes[k]);
+            maker.add(last.starts[k] + shift, qsizetype(last.lineEnd(k)) + shift, kept(last, k));
     }
     blocks.erase(blocks.begin() + qsizetype(pa.block), blocks.begin() + qsizetype(pz.block) + 1);
     blocks.insert(blocks.begin() + qsizetype(pa.block), made.begin(), made.end());
     reindex();
+}
+
+// An edit within one line's characters, in a block that nothing else holds (no snapshot, no
+// other block on its buffer), is made in that block: no copy of a long line on every key.
+bool LineStore::replaceInPlace(qsizetype from, qsizetype to, QStringView with)
+{
+    const qsizetype line = lineAt(from);
+    if (to > lineEnd(line) || with.contains(u'\r') || with.contains(u'\n'))
+        return false;
+    const Place p = placeOfLine(line);
+    const std::shared_ptr<const LineBlock>& shared = blocks[p.block];
+    if (shared.use_count() != 1 || !shared->buffer.isDetached())
+        return false;
+    // Made as a LineBlock and held by this store alone.
+    auto* b = const_cast<LineBlock*>(shared.get());
+    const qsizetype delta = with.size() - (to - from);
+    b->buffer.replace(b->from + (from - firstChar[p.block]), to - from, with.toString());
+    b->size += delta;
+    for (std::size_t k = p.line + 1; k < b->lineCount(); ++k)
+        b->starts[k] = std::uint32_t(qsizetype(b->starts[k]) + delta);
+    if (b->unhashed != p.line && b->unhashed < b->lineCount())
+        b->hashes[b->unhashed] = SeqDiff::lineHash(b->line(b->unhashed));
+    b->unhashed = p.line;
+    for (std::size_t k = p.block + 1; k < firstChar.size(); ++k)
+        firstChar[k] += delta;
+    return true;
 }
 
 } // namespace toolkit

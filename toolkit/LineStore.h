@@ -18,6 +18,9 @@ struct LineBlock
     qsizetype size = 0;
     std::vector<std::uint32_t> starts; // of each line, counted from `from`
     std::vector<std::uint64_t> hashes;
+    // A line edited in place since its hash was taken: its hash is taken when asked for, by
+    // whoever reads it, so that typing in a very long line does not hash it on every key.
+    std::size_t unhashed = std::size_t(-1);
 
     const char16_t* data() const
     {
@@ -43,6 +46,10 @@ public:
     }
     // Safe on any thread. Blocks keep views of `text` rather than a copy.
     explicit LineStore(QString text);
+    // The lines of text's first `to` units, or up to `to` once more of the same text has come
+    // (a text taken in by slices); blocks keep views of `text` rather than a copy.
+    LineStore(const QString& text, qsizetype to);
+    void extendTo(const QString& text, qsizetype to);
 
     qsizetype size() const { return firstChar.back(); }
     qsizetype lineCount() const { return qsizetype(firstLine.back()); }
@@ -55,6 +62,7 @@ public:
     char16_t at(qsizetype position) const;
     QString text(qsizetype from, qsizetype to) const;
     QString text() const { return text(0, size()); }
+    void appendText(QString& out, qsizetype from, qsizetype to) const;
 
     // Replaces [from, to) by `with`. Only the lines the change reaches get new blocks and hashes.
     void replace(qsizetype from, qsizetype to, QStringView with);
@@ -66,6 +74,7 @@ private:
         std::size_t line; // within the block
     };
     Place placeOfLine(qsizetype i) const;
+    bool replaceInPlace(qsizetype from, qsizetype to, QStringView with);
     void reindex();
 
     std::vector<std::shared_ptr<const LineBlock>> blocks;

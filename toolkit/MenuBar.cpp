@@ -164,8 +164,23 @@ QList<QKeySequence> shortcutsFor(const QString& literal)
     return {sequence};
 }
 
+namespace {
+MenuBar* lastBuilt = nullptr;
+}
+
 MenuBar::MenuBar() = default;
-MenuBar::~MenuBar() = default;
+
+MenuBar::~MenuBar()
+{
+    if (lastBuilt == this)
+        lastBuilt = nullptr;
+}
+
+QString MenuBar::itemText(const QString& name, const QString& otherwise)
+{
+    const MenuItem* found = lastBuilt ? lastBuilt->item(name) : nullptr;
+    return found ? found->Value : otherwise;
+}
 
 MenuItem* MenuBar::Append(std::unique_ptr<MenuItem> entry)
 {
@@ -190,6 +205,7 @@ MenuItem* MenuBar::item(const QString& name) const
 
 void MenuBar::build()
 {
+    lastBuilt = this;
     for (auto& entry : top)
         buildItem(*entry, nullptr);
 }

@@ -1,5 +1,8 @@
 #include "PlainPane.h"
 
+#include "MenuBar.h"
+
+#include <QAccessibleWidget>
 #include <QApplication>
 #include <QClipboard>
 #include <QDrag>
@@ -33,11 +36,169 @@ QString viewOf(std::u16string_view s)
     return QString::fromRawData(reinterpret_cast<const QChar*>(s.data()), qsizetype(s.size()));
 }
 
+// What a screen reader reads and edits through: the text on the pane's UTF-16 offsets.
+class PaneAccessible : public QAccessibleWidget,
+                       public QAccessibleTextInterface,
+                       public QAccessibleEditableTextInterface
+{
+public:
+    explicit PaneAccessible(PlainPane* pane)
+        : QAccessibleWidget(pane, QAccessible::EditableText)
+    {
+    }
+    void* interface_cast(QAccessible::InterfaceType t) override
+    {
+        if (t == QAccessible::TextInterface)
+            return static_cast<QAccessibleTextInterface*>(this);
+        if (t == QAccessible::EditableTextInterface)
+            return static_cast<QAccessibleEditableTextInterface*>(this);
+        return QAccessibleWidget::interface_cast(t);
+    }
+    QAccessible::State state() const override
+    {
+        QAccessible::State s = QAccessibleWidget::state();
+        s.editable = !pane()->isReadOnly();
+        s.readOnly = pane()->isReadOnly();
+        s.multiLine = true;
+        s.selectableText = true;
+        return s;
+    }
+    QString text(QAccessible::Text t) const override
+    {
+        if (t == QAccessible::Value)
+            return pane()->store().text();
+        return QAccessibleWidget::text(t);
+    }
+
+    void selection(int index, int* start, int* end) const override
+    {
+        const bool any = index == 0 && pane()->hasSelection();
+        *start = any ? int(pane()->selectionStart()) : 0;
+        *end = any ? int(pane()->selectionEnd()) : 0;
+    }
+    int selectionCount() const override { return pane()->hasSelection() ? 1 : 0; }
+    void addSelection(int start, int end) override { setSelection(0, start, end); }
+    void removeSelection(int) override
+    {
+        pane()->setSelection(pane()->cursorPosition(), pane()->cursorPosition());
+    }
+    void setSelection(int, int start, int end) override { pane()->setSelection(start, end); }
+    int cursorPosition() const override { return int(pane()->cursorPosition()); }
+    void setCursorPosition(int position) override { pane()->setSelection(position, position); }
+    QString text(int start, int end) const override { return pane()->store().text(start, end); }
+    int characterCount() const override { return int(pane()->store().size()); }
+    QRect characterRect(int offset) const override
+    {
+        const LineStore& t = pane()->store();
+        const QRectF caret = pane()->caretRect(offset);
+        const qreal next = offset < t.size() && t.at(offset) != u'\r' && t.at(offset) != u'\n'
+            ? pane()->caretRect(offset + 1).left()
+            : caret.left() + 1;
+        const QPoint origin = pane()->viewport()->mapToGlobal(QPoint());
+        return QRectF(caret.left(), caret.top(), next - caret.left(), caret.height())
+            .toAlignedRect()
+            .translated(origin);
+    }
+    int offsetAtPoint(const QPoint& point) const override
+    {
+        return int(pane()->positionAt(pane()->viewport()->mapFromGlobal(point)));
+    }
+    void scrollToSubstring(int start, int) override { pane()->setSelection(start, start); }
+    QString attributes(int offset, int* start, int* end) const override
+    {
+        *start = *end = offset;
+        return QString();
+    }
+    QString textAtOffset(
+        int offset, QAccessible::TextBoundaryType type, int* start, int* end) const override
+    {
+        const LineStore& t = pane()->store();
+        if (type != QAccessible::LineBoundary && type != QAccessible::ParagraphBoundary
+            && type != QAccessible::SentenceBoundary)
+            return around(offset, type, start, end);
+        const qsizetype line = t.lineAt(offset);
+        *start = int(t.lineStart(line));
+        *end = int(t.lineStart(line + 1));
+        return t.text(*start, *end);
+    }
+    QString textBeforeOffset(
+        int offset, QAccessible::TextBoundaryType type, int* start, int* end) const override
+    {
+        int s = 0, e = 0;
+        textAtOffset(offset, type, &s, &e);
+        if (s <= 0) {
+            *start = *end = 0;
+            return QString();
+        }
+        return textAtOffset(s - 1, type, start, end);
+    }
+    QString textAfterOffset(
+        int offset, QAccessible::TextBoundaryType type, int* start, int* end) const override
+    {
+        int s = 0, e = 0;
+        textAtOffset(offset, type, &s, &e);
+        if (e >= characterCount() || e <= offset) {
+            *start = *end = characterCount();
+            return QString();
+        }
+        return textAtOffset(e, type, start, end);
+    }
+
+    void deleteText(int start, int end) override { pane()->replace(start, end, QString()); }
+    void insertText(int offset, const QString& text) override
+    {
+        pane()->replace(offset, offset, text);
+    }
+    void replaceText(int start, int end, const QString& text) override
+    {
+        pane()->replace(start, end, text);
+    }
+
+private:
+    PlainPane* pane() const { return static_cast<PlainPane*>(widget()); }
+    // Characters and words, found within the line around the offset.
+    QString around(int offset, QAccessible::TextBoundaryType type, int* start, int* end) const
+    {
+        const LineStore& t = pane()->store();
+        const qsizetype line = t.lineAt(offset);
+        const qsizetype from = std::max(t.lineStart(line), qsizetype(offset) - kWordReach);
+        const qsizetype to = std::min(t.lineStart(line + 1), qsizetype(offset) + kWordReach);
+        const QString piece = t.text(from, to);
+        if (type == QAccessible::NoBoundary) {
+            *start = 0;
+            *end = characterCount();
+            return text(0, *end);
+        }
+        QTextBoundaryFinder f(type == QAccessible::WordBoundary ? QTextBoundaryFinder::Word
+                                                                : QTextBoundaryFinder::Grapheme,
+            piece);
+        f.setPosition(offset - from);
+        const qsizetype a = f.isAtBoundary() ? offset - from : f.toPreviousBoundary();
+        f.setPosition(offset - from);
+        const qsizetype b = f.toNextBoundary();
+        *start = int(from + std::max<qsizetype>(a, 0));
+        *end = int(from + (b < 0 ? piece.size() : b));
+        return t.text(*start, *end);
+    }
+};
+
+QAccessibleInterface* paneAccessible(const QString& key, QObject* object)
+{
+    if (key == QLatin1String("toolkit::PlainPane") && object->isWidgetType())
+        return new PaneAccessible(static_cast<PlainPane*>(object));
+    return nullptr;
+}
+
 } // namespace
 
 PlainPane::PlainPane(QWidget* parent)
     : QAbstractScrollArea(parent)
 {
+    static const bool factory = [] {
+        QAccessible::installFactory(paneAccessible);
+        return true;
+    }();
+    Q_UNUSED(factory);
     setAttribute(Qt::WA_InputMethodEnabled);
     setFocusPolicy(Qt::StrongFocus);
     viewport()->setCursor(Qt::IBeamCursor);
@@ -92,6 +253,11 @@ void PlainPane::setSelection(qsizetype anchorAt, qsizetype position, bool scroll
         ensureVisible(caret);
     restartBlink();
     viewport()->update();
+    if (QAccessible::isActive()) {
+        QAccessibleTextSelectionEvent e(this, int(selectionStart()), int(selectionEnd()));
+        e.setCursorPosition(int(caret));
+        QAccessible::updateAccessibility(&e);
+    }
     emit selectionChanged();
 }
 
@@ -153,11 +319,16 @@ const PlainPane::Layout& PlainPane::layoutOf(qsizetype line) const
     if (layouts.size() > 4096)
         layouts.clear();
     Layout& l = layouts[line];
+    layOut(l, line, 0, 0);
+    return l;
+}
+
+// Lays out a line's pieces from column `i`, which starts a piece at x.
+void PlainPane::layOut(Layout& l, qsizetype line, qsizetype i, qreal x) const
+{
     const std::u16string_view s = text.line(line);
     const bool byTable = qsizetype(s.size()) > kMeasuredWhole;
     const QFontMetricsF fm(font());
-    qreal x = 0;
-    qsizetype i = 0;
     const auto n = qsizetype(s.size());
     while (i < n) {
         l.starts.push_back(i);
@@ -185,7 +356,32 @@ const PlainPane::Layout& PlainPane::layoutOf(qsizetype line) const
             const_cast<PlainPane*>(this), [this] { const_cast<PlainPane*>(this)->updateBars(); },
             Qt::QueuedConnection);
     }
-    return l;
+}
+
+// After an edit inside one line, that line's pieces before the edit stay as they were; a very
+// long line is then not measured again from its start on every keystroke.
+void PlainPane::relayOut(qsizetype line, qsizetype column)
+{
+    const auto found = layouts.find(line);
+    if (found == layouts.end())
+        return;
+    Layout& l = found->second;
+    const bool byTable = qsizetype(text.line(line).size()) > kMeasuredWhole;
+    const bool wasByTable = l.starts.back() > kMeasuredWhole;
+    if (byTable != wasByTable) {
+        layouts.erase(found);
+        return;
+    }
+    auto k = std::size_t(
+        std::upper_bound(l.starts.begin(), l.starts.end(), column) - l.starts.begin());
+    k = k > 0 ? k - 1 : 0;
+    // A piece may have ended at the edit, or a surrogate pair been made or broken there.
+    k = k > 0 ? k - 1 : 0;
+    const qsizetype from = l.starts[k];
+    const qreal x = l.xs[k];
+    l.starts.resize(k);
+    l.xs.resize(k);
+    layOut(l, line, from, x);
 }
 
 qreal PlainPane::xOf(qsizetype line, qsizetype column) const
@@ -366,7 +562,7 @@ void PlainPane::paintEvent(QPaintEvent*)
                 p.fillRect(QRectF(left + xOf(line, at - start), top, 1, metricsHeight),
                     pal.color(group, QPalette::Text));
         };
-        if (hasFocus() && caretShown && (!readOnly || hasSelection()))
+        if (hasFocus() && caretShown && !readOnly)
             bar(caret);
         if (dropCaret >= 0)
             bar(dropCaret);
@@ -440,49 +636,36 @@ qsizetype PlainPane::moved(int key, qsizetype from) const
     };
     switch (key) {
     case QKeySequence::MoveToNextChar:
-    case QKeySequence::SelectNextChar:
         if (from >= text.size())
             return from;
         if (from == text.lineEnd(line))
             return text.lineStart(line + 1);
         return from + (QChar::isHighSurrogate(text.at(from)) && from + 1 < text.size() ? 2 : 1);
     case QKeySequence::MoveToPreviousChar:
-    case QKeySequence::SelectPreviousChar:
         if (from <= 0)
             return 0;
         if (from == text.lineStart(line))
             return text.lineEnd(line - 1);
         return from - (QChar::isLowSurrogate(text.at(from - 1)) && from > 1 ? 2 : 1);
     case QKeySequence::MoveToNextWord:
-    case QKeySequence::SelectNextWord:
         return wordStart(from, true);
     case QKeySequence::MoveToPreviousWord:
-    case QKeySequence::SelectPreviousWord:
         return wordStart(from, false);
     case QKeySequence::MoveToNextLine:
-    case QKeySequence::SelectNextLine:
         return line + 1 < text.lineCount() ? toLine(line + 1) : text.size();
     case QKeySequence::MoveToPreviousLine:
-    case QKeySequence::SelectPreviousLine:
         return line > 0 ? toLine(line - 1) : 0;
     case QKeySequence::MoveToNextPage:
-    case QKeySequence::SelectNextPage:
         return toLine(line + rows);
     case QKeySequence::MoveToPreviousPage:
-    case QKeySequence::SelectPreviousPage:
         return toLine(line - rows);
     case QKeySequence::MoveToStartOfLine:
-    case QKeySequence::SelectStartOfLine:
     case QKeySequence::MoveToStartOfBlock:
-    case QKeySequence::SelectStartOfBlock:
         return text.lineStart(line);
     case QKeySequence::MoveToEndOfLine:
-    case QKeySequence::SelectEndOfLine:
     case QKeySequence::MoveToEndOfBlock:
-    case QKeySequence::SelectEndOfBlock:
         return text.lineEnd(line);
     case QKeySequence::MoveToStartOfDocument:
-    case QKeySequence::SelectStartOfDocument:
         return 0;
     default: // the end of the document
         return text.size();
@@ -518,28 +701,20 @@ bool PlainPane::event(QEvent* e)
 
 void PlainPane::keyPressEvent(QKeyEvent* e)
 {
-    static const QKeySequence::StandardKey moves[]
-        = {QKeySequence::MoveToNextChar, QKeySequence::MoveToPreviousChar,
-            QKeySequence::MoveToNextWord, QKeySequence::MoveToPreviousWord,
-            QKeySequence::MoveToNextLine, QKeySequence::MoveToPreviousLine,
-            QKeySequence::MoveToNextPage, QKeySequence::MoveToPreviousPage,
-            QKeySequence::MoveToStartOfLine, QKeySequence::MoveToEndOfLine,
-            QKeySequence::MoveToStartOfBlock, QKeySequence::MoveToEndOfBlock,
-            QKeySequence::MoveToStartOfDocument, QKeySequence::MoveToEndOfDocument};
-    static const QKeySequence::StandardKey selects[]
-        = {QKeySequence::SelectNextChar, QKeySequence::SelectPreviousChar,
-            QKeySequence::SelectNextWord, QKeySequence::SelectPreviousWord,
-            QKeySequence::SelectNextLine, QKeySequence::SelectPreviousLine,
-            QKeySequence::SelectNextPage, QKeySequence::SelectPreviousPage,
-            QKeySequence::SelectStartOfLine, QKeySequence::SelectEndOfLine,
-            QKeySequence::SelectStartOfBlock, QKeySequence::SelectEndOfBlock,
-            QKeySequence::SelectStartOfDocument, QKeySequence::SelectEndOfDocument};
-    const auto step = [&](QKeySequence::StandardKey s, bool select) {
-        const bool vertical = s == QKeySequence::MoveToNextLine
-            || s == QKeySequence::MoveToPreviousLine || s == QKeySequence::SelectNextLine
-            || s == QKeySequence::SelectPreviousLine || s == QKeySequence::MoveToNextPage
-            || s == QKeySequence::MoveToPreviousPage || s == QKeySequence::SelectNextPage
-            || s == QKeySequence::SelectPreviousPage;
+    // Each move with its selecting twin.
+    using K = QKeySequence;
+    static const std::pair<K::StandardKey, K::StandardKey> moves[] = {
+        {K::MoveToNextChar, K::SelectNextChar}, {K::MoveToPreviousChar, K::SelectPreviousChar},
+        {K::MoveToNextWord, K::SelectNextWord}, {K::MoveToPreviousWord, K::SelectPreviousWord},
+        {K::MoveToNextLine, K::SelectNextLine}, {K::MoveToPreviousLine, K::SelectPreviousLine},
+        {K::MoveToNextPage, K::SelectNextPage}, {K::MoveToPreviousPage, K::SelectPreviousPage},
+        {K::MoveToStartOfLine, K::SelectStartOfLine}, {K::MoveToEndOfLine, K::SelectEndOfLine},
+        {K::MoveToStartOfBlock, K::SelectStartOfBlock}, {K::MoveToEndOfBlock, K::SelectEndOfBlock},
+        {K::MoveToStartOfDocument, K::SelectStartOfDocument},
+        {K::MoveToEndOfDocument, K::SelectEndOfDocument}};
+    const auto step = [&](K::StandardKey s, bool select) {
+        const bool vertical = s == K::MoveToNextLine || s == K::MoveToPreviousLine
+            || s == K::MoveToNextPage || s == K::MoveToPreviousPage;
         const qsizetype line = text.lineAt(caret);
         const qreal x = xOf(line, caret - text.lineStart(line));
         if (!vertical)
@@ -548,24 +723,21 @@ void PlainPane::keyPressEvent(QKeyEvent* e)
             wantedX = x;
         qsizetype to = moved(s, caret);
         // Without shift, a move off a selection starts from its edge.
-        if (!select && hasSelection()
-            && (s == QKeySequence::MoveToNextChar || s == QKeySequence::MoveToPreviousChar))
-            to = s == QKeySequence::MoveToNextChar ? selectionEnd() : selectionStart();
+        if (!select && hasSelection() && (s == K::MoveToNextChar || s == K::MoveToPreviousChar))
+            to = s == K::MoveToNextChar ? selectionEnd() : selectionStart();
         const qreal keep = wantedX;
-        if (s == QKeySequence::MoveToNextPage || s == QKeySequence::SelectNextPage)
+        if (s == K::MoveToNextPage)
             scrollToLine(firstVisibleLine() + verticalScrollBar()->pageStep());
-        else if (s == QKeySequence::MoveToPreviousPage || s == QKeySequence::SelectPreviousPage)
+        else if (s == K::MoveToPreviousPage)
             scrollToLine(firstVisibleLine() - verticalScrollBar()->pageStep());
         setSelection(select ? anchor : to, to);
         wantedX = keep;
     };
-    for (QKeySequence::StandardKey s : moves) {
-        if (e->matches(s))
-            return step(s, false);
-    }
-    for (QKeySequence::StandardKey s : selects) {
-        if (e->matches(s))
-            return step(s, true);
+    for (const auto& [move, select] : moves) {
+        if (e->matches(move))
+            return step(move, false);
+        if (e->matches(select))
+            return step(move, true);
     }
     wantedX = -1;
     if (e->matches(QKeySequence::SelectAll))
@@ -631,9 +803,7 @@ void PlainPane::edit(qsizetype from, qsizetype to, const QString& with, bool typ
         undos.push_back(std::move(e));
     }
     redos.clear();
-    text.replace(from, to, with);
-    ++rev;
-    forgetLayouts();
+    change(from, to, with);
     caret = anchor = from + with.size();
     updateBars();
     ensureVisible(caret);
@@ -643,15 +813,34 @@ void PlainPane::edit(qsizetype from, qsizetype to, const QString& with, bool typ
     emit selectionChanged();
 }
 
+void PlainPane::change(qsizetype from, qsizetype to, QStringView with)
+{
+    const QString removed = QAccessible::isActive() ? text.text(from, to) : QString();
+    const qsizetype line = text.lineAt(from);
+    const qsizetype lines = text.lineCount();
+    const auto hasBreak = [](QStringView s) { return s.contains(u'\r') || s.contains(u'\n'); };
+    // A CR and an LF that meet or part change the lines, as a break does.
+    const bool withinLine = !hasBreak(with) && !hasBreak(text.text(from, to))
+        && (from == 0 || text.at(from - 1) != u'\r') && (to >= text.size() || text.at(to) != u'\n');
+    text.replace(from, to, with);
+    ++rev;
+    if (QAccessible::isActive()) {
+        QAccessibleTextUpdateEvent e(this, int(from), removed, with.toString());
+        QAccessible::updateAccessibility(&e);
+    }
+    if (withinLine && text.lineCount() == lines)
+        relayOut(line, from - text.lineStart(line));
+    else
+        forgetLayouts();
+}
+
 void PlainPane::undo()
 {
     if (!canUndo())
         return;
     Edit e = std::move(undos.back());
     undos.pop_back();
-    text.replace(e.at, e.at + e.inserted.size(), e.removed);
-    ++rev;
-    forgetLayouts();
+    change(e.at, e.at + e.inserted.size(), e.removed);
     caret = e.caretBefore;
     anchor = e.anchorBefore;
     redos.push_back(std::move(e));
@@ -668,9 +857,7 @@ void PlainPane::redo()
         return;
     Edit e = std::move(redos.back());
     redos.pop_back();
-    text.replace(e.at, e.at + e.removed.size(), e.inserted);
-    ++rev;
-    forgetLayouts();
+    change(e.at, e.at + e.removed.size(), e.inserted);
     caret = anchor = e.at + e.inserted.size();
     e.typing = false;
     undos.push_back(std::move(e));
@@ -872,15 +1059,19 @@ void PlainPane::contextMenuEvent(QContextMenuEvent* e)
         a->setEnabled(enabled);
         connect(a, &QAction::triggered, this, slot);
     };
-    add(tr("&Undo"), canUndo(), &PlainPane::undo);
-    add(tr("&Redo"), canRedo(), &PlainPane::redo);
+    // The Edit menu's own words.
+    const auto label = [](const char* name, const char* english) {
+        return MenuBar::itemText(QLatin1String(name), QLatin1String(english));
+    };
+    add(label("EditUndo", "Undo"), canUndo(), &PlainPane::undo);
+    add(label("EditRedo", "Redo"), canRedo(), &PlainPane::redo);
     menu.addSeparator();
-    add(tr("Cu&t"), !readOnly && hasSelection(), &PlainPane::cut);
-    add(tr("&Copy"), hasSelection(), &PlainPane::copy);
-    add(tr("&Paste"), canPaste(), &PlainPane::paste);
-    add(tr("Delete"), !readOnly && hasSelection(), &PlainPane::removeSelectedText);
+    add(label("EditCut", "Cut"), !readOnly && hasSelection(), &PlainPane::cut);
+    add(label("EditCopy", "Copy"), hasSelection(), &PlainPane::copy);
+    add(label("EditPaste", "Paste"), canPaste(), &PlainPane::paste);
+    add(label("EditClear", "Delete"), !readOnly && hasSelection(), &PlainPane::removeSelectedText);
     menu.addSeparator();
-    add(tr("Select All"), text.size() > 0, &PlainPane::selectAll);
+    add(label("EditSelectAll", "Select All"), text.size() > 0, &PlainPane::selectAll);
     menu.exec(e->globalPos());
 }
 

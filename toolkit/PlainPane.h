@@ -97,6 +97,9 @@ private:
         std::vector<qreal> xs; // likewise
     };
     const Layout& layoutOf(qsizetype line) const;
+    void layOut(Layout& l, qsizetype line, qsizetype from, qreal x) const;
+    void relayOut(qsizetype line, qsizetype column);
+    void change(qsizetype from, qsizetype to, QStringView with);
     qreal advance(std::u16string_view piece) const;
     qsizetype columnAt(qsizetype line, qreal x) const;
     void forgetLayouts();

@@ -176,13 +176,14 @@ bool TextArea::setText(const QString& text, const std::function<bool()>& between
         return at > 0 && text.at(at - 1) == u'\r' ? at - 1 : at;
     };
     qsizetype end = text.size() <= kSlice ? text.size() : cut(kSlice);
-    setText(text.first(end));
+    // The store keeps views of `text` itself: no copy of a long text.
+    LineStore filled(text, end);
+    setText(PreparedText(filled));
     if (end == text.size())
         return true;
     const quint64 fill = fills;
     const bool wasReadOnly = readOnly;
     setReadOnly(true);
-    LineStore filled = plain->store();
     bool whole = false;
     while (between() && fills == fill) {
         if (end == text.size()) {
@@ -190,7 +191,7 @@ bool TextArea::setText(const QString& text, const std::function<bool()>& between
             break;
         }
         const qsizetype next = cut(end + kSlice);
-        filled.replace(filled.size(), filled.size(), QStringView(text).sliced(end, next - end));
+        filled.extendTo(text, next);
         end = next;
         // The view stays where the reader has scrolled it.
         const int line = plain->firstVisibleLine();
@@ -319,11 +320,10 @@ QStringList TextArea::Lines() const
     return out;
 }
 
+// Not kept here: a block that no snapshot holds can take the next edit in place.
 std::shared_ptr<const TextSnapshot> TextArea::snapshot() const
 {
-    if (!lastSnapshot || lastSnapshot->revision() != revision)
-        lastSnapshot = std::make_shared<const TextSnapshot>(lines(), revision);
-    return lastSnapshot;
+    return std::make_shared<const TextSnapshot>(lines(), revision);
 }
 
 int TextArea::LineCount() const

@@ -135,7 +135,6 @@ private:
     // The rich text's lines, cut anew after each change of it.
     mutable LineStore richLines;
     mutable quint64 richLinesRevision = ~quint64(0);
-    mutable std::shared_ptr<const TextSnapshot> lastSnapshot;
     // Kept between calls: the indicator asks for thousands of positions on each redraw.
     mutable std::vector<int> rows;
     mutable Stamp rowsStamp;

@@ -325,9 +325,11 @@ bool DiffWin::updateDiffCanvas()
             g.setDrawingColor(0x000000);
             g.setFontName(QStringLiteral("System"));
             g.setFontSize(14);
+            // Numbers, like bands, stay beside rows that show text; a band out of view, flat on
+            // both sides, has none.
             const indicator::NumberPlace place
-                = indicator::numberPlace(diffIndex, band, g.Height());
-            if (place.shown)
+                = indicator::numberPlace(diffIndex, band, left.Height());
+            if (place.shown && !(band.side[0].empty() && band.side[1].empty()))
                 g.DrawText(QString::number(diffIndex + 1), place.x, place.y);
             drawn = true;
         }

@@ -7,7 +7,10 @@
 #include "TextArea.h"
 #include "Timer.h"
 
+#include <QAccessible>
+#include <QInputMethodEvent>
 #include <QMenu>
+#include <QRegularExpression>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
@@ -71,6 +74,10 @@ private slots:
     void paneLinesAreTheTextsLines();
     void storeFollowsTheSplitRule_data();
     void storeFollowsTheSplitRule();
+    void editingByKeys_data();
+    void editingByKeys();
+    void inputMethodComposesInPlace();
+    void screenReaderReadsAndEdits();
     void scrollPositionCountsLinesAndStops();
     void characterPositionsShareOneScale();
     void characterPositionsFollowThePane_data();
@@ -244,7 +251,15 @@ void TstToolkit::storeFollowsTheSplitRule()
     };
     QString text = piece(length);
     toolkit::LineStore store(text);
+    // A copy taken now and then, as a snapshot is, must never change.
+    toolkit::LineStore held = store;
+    QString heldText = text;
     for (int edit = 0; edit < 300; ++edit) {
+        if (edit % 7 == 0) {
+            QCOMPARE(held.text(), heldText);
+            held = store;
+            heldText = text;
+        }
         const auto from = qsizetype(random() % (text.size() + 1));
         const auto to = std::min(text.size(), from + qsizetype(random() % (pieceLength + 1)));
         const QString with = piece(int(random() % (pieceLength + 1)));
@@ -268,6 +283,135 @@ void TstToolkit::storeFollowsTheSplitRule()
         }
     }
     QCOMPARE(store.text(), text);
+    QCOMPARE(held.text(), heldText);
+}
+
+void TstToolkit::editingByKeys_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("caret");
+    QTest::addColumn<QString>("keys"); // typed, with <key sequences> between
+    QTest::addColumn<QString>("after");
+    QTest::addColumn<QList<int>>("selection"); // start, length
+    QTest::newRow("typing") << "ab\ncd" << 1 << "XY"
+                            << "aXYb\ncd" << QList{3, 0};
+    QTest::newRow("backspace joins lines") << "ab\ncd" << 3 << "<Backspace>"
+                                           << "abcd" << QList{2, 0};
+    QTest::newRow("backspace takes CR LF whole") << "ab\r\ncd" << 4 << "<Backspace>"
+                                                 << "abcd" << QList{2, 0};
+    QTest::newRow("delete takes CR LF whole") << "ab\r\ncd" << 2 << "<Del>"
+                                              << "abcd" << QList{2, 0};
+    QTest::newRow("right steps over CR LF") << "ab\r\ncd" << 2 << "<Right>x"
+                                            << "ab\r\nxcd" << QList{5, 0};
+    QTest::newRow("enter breaks with LF") << "ab" << 1 << "<Return>"
+                                          << "a\nb" << QList{2, 0};
+    QTest::newRow("typing is one undo step") << "ab" << 2 << "xyz<Ctrl+Z>"
+                                             << "ab" << QList{2, 0};
+    QTest::newRow("redo") << "ab" << 2 << "x y<Ctrl+Z><Ctrl+Shift+Z>"
+                          << "abx y" << QList{5, 0};
+    QTest::newRow("undo a deletion") << "abc" << 0 << "<Shift+Right><Del><Ctrl+Z>"
+                                     << "abc" << QList{0, 1};
+    QTest::newRow("shift and arrows select") << "abc\nabc" << 1 << "<Shift+Right><Shift+Down>"
+                                             << "abc\nabc" << QList{1, 5};
+    QTest::newRow("typing replaces the selection") << "abc\nd" << 0 << "<Shift+End>x"
+                                                   << "x\nd" << QList{1, 0};
+    QTest::newRow("words") << "one two three" << 0 << "<Ctrl+Right><Ctrl+Right><Ctrl+Shift+Right>"
+                           << "one two three" << QList{8, 5};
+    QTest::newRow("word back") << "one two" << 7 << "<Ctrl+Shift+Left>"
+                               << "one two" << QList{4, 3};
+    QTest::newRow("start and end") << "ab\ncd" << 4 << "<Ctrl+End><Home><Ctrl+Shift+Home>"
+                                   << "ab\ncd" << QList{0, 3};
+    QTest::newRow("cut and paste") << "abc" << 0 << "<Shift+Right><Ctrl+X><End><Ctrl+V>"
+                                   << "bca" << QList{3, 0};
+    QTest::newRow("select all and type") << "a\nb" << 0 << "<Ctrl+A>z"
+                                         << "z" << QList{1, 0};
+}
+
+void TstToolkit::editingByKeys()
+{
+    QFETCH(QString, text);
+    QFETCH(int, caret);
+    QFETCH(QString, keys);
+    QFETCH(QString, after);
+    QFETCH(QList<int>, selection);
+    toolkit::TextArea pane;
+    pane.resize(200, 100);
+    pane.setText(text);
+    pane.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&pane));
+    pane.select(caret, 0);
+    QWidget* editor = pane.focusProxy();
+    for (qsizetype i = 0; i < keys.size();) {
+        if (keys.at(i) == u'<') {
+            const qsizetype end = keys.indexOf(u'>', i);
+            const QKeyCombination k = QKeySequence::fromString(keys.mid(i + 1, end - i - 1))[0];
+            QTest::keyClick(editor, k.key(), k.keyboardModifiers());
+            i = end + 1;
+        } else {
+            QTest::keyClick(editor, keys.at(i).toLatin1());
+            ++i;
+        }
+    }
+    QCOMPARE(pane.Text(), after);
+    QCOMPARE((QList{pane.SelectionStart(), pane.SelectionLength()}), selection);
+    QCOMPARE(pane.snapshot()->lineCount(),
+        std::size_t(after.split(QRegularExpression("\r\n|\r|\n")).size()));
+}
+
+// Text being composed shows in the pane but is not yet in it; the committed text is.
+void TstToolkit::inputMethodComposesInPlace()
+{
+    toolkit::TextArea pane;
+    pane.resize(200, 100);
+    pane.setText(QStringLiteral("ab"));
+    pane.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&pane));
+    pane.select(1, 0);
+    QWidget* editor = pane.focusProxy();
+    const QImage before = pane.grab().toImage();
+    QInputMethodEvent composing(QString::fromUtf16(u"\u306B\u307B"), {});
+    QApplication::sendEvent(editor, &composing);
+    QCOMPARE(pane.Text(), QStringLiteral("ab"));
+    QVERIFY(pane.grab().toImage() != before);
+    QCOMPARE(editor->inputMethodQuery(Qt::ImSurroundingText).toString(), QStringLiteral("ab"));
+    QCOMPARE(editor->inputMethodQuery(Qt::ImCursorPosition).toInt(), 1);
+    QInputMethodEvent done;
+    done.setCommitString(QString::fromUtf16(u"\u65E5\u672C"));
+    QApplication::sendEvent(editor, &done);
+    QCOMPARE(pane.Text(), QString::fromUtf16(u"a\u65E5\u672Cb"));
+    QCOMPARE(pane.SelectionStart(), 3);
+
+    pane.setReadOnly(true);
+    QApplication::sendEvent(editor, &done);
+    QTest::keyClick(editor, Qt::Key_X);
+    QCOMPARE(pane.Text(), QString::fromUtf16(u"a\u65E5\u672Cb"));
+}
+
+void TstToolkit::screenReaderReadsAndEdits()
+{
+    toolkit::TextArea pane;
+    pane.resize(200, 100);
+    pane.setText(QStringLiteral("one\r\ntwo words"));
+    pane.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&pane));
+    QAccessibleInterface* a = QAccessible::queryAccessibleInterface(pane.focusProxy());
+    QVERIFY(a && a->textInterface() && a->editableTextInterface());
+    QAccessibleTextInterface* t = a->textInterface();
+    QCOMPARE(t->characterCount(), 14);
+    QCOMPARE(t->text(3, 6), QStringLiteral("\r\nt"));
+    int start = 0, end = 0;
+    QCOMPARE(
+        t->textAtOffset(1, QAccessible::LineBoundary, &start, &end), QStringLiteral("one\r\n"));
+    QCOMPARE(t->textAfterOffset(1, QAccessible::LineBoundary, &start, &end),
+        QStringLiteral("two words"));
+    QCOMPARE((QList{start, end}), (QList{5, 14}));
+    QCOMPARE(t->textAtOffset(11, QAccessible::WordBoundary, &start, &end), QStringLiteral("words"));
+    pane.select(5, 3);
+    t->selection(0, &start, &end);
+    QCOMPARE((QList{start, end, t->cursorPosition()}), (QList{5, 8, 8}));
+    QCOMPARE(t->offsetAtPoint(t->characterRect(6).center()), 6);
+    a->editableTextInterface()->replaceText(5, 8, QStringLiteral("2"));
+    QCOMPARE(pane.Text(), QStringLiteral("one\r\n2 words"));
 }
 
 void TstToolkit::scrollPositionCountsLinesAndStops()
