@@ -272,12 +272,14 @@ void DiffWin::Timer1_Action()
     const std::array<int, 2> shown{
         txtBox[0]->VerticalScrollPosition(), txtBox[1]->VerticalScrollPosition()};
     if (shown != scrolTop || dirty) {
+        const bool moved = shown != scrolTop;
         scrolTop = shown;
         if (dirty) {
             dirty = false;
             compare();
         }
-        redraw = true;
+        // A comparison under way draws when it comes back; until then the picture is the same.
+        redraw = moved || !comparison->running();
     }
     // The first difference of the texts on show, not of those compared before: with a
     // comparison under way, its result makes the choice when it comes in.
@@ -530,11 +532,11 @@ void DiffWin::compare()
         // A read that failed, or gave the same text: the bands on record still hold.
         if (panesLoading == 0)
             bandsHidden = false;
+        scrolTop = {0, 0};
     } else if (now != comparison->running()) {
         comparison->start(txtBox[0]->snapshot(), txtBox[1]->snapshot(), now);
         noticeWaiting();
     }
-    scrolTop = {0, 0};
 }
 
 // Records for texts that have changed since are dropped. The rest is what a tick does after
