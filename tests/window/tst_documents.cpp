@@ -18,7 +18,6 @@
 #include <QUrl>
 
 #include <algorithm>
-
 #include <sys/stat.h>
 
 namespace {
