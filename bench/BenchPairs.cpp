@@ -103,8 +103,20 @@ const std::vector<PairKind>& pairKinds()
     return kinds;
 }
 
+const std::vector<PairKind>& windowPairKinds()
+{
+    static const std::vector<PairKind> kinds{
+        {"src300k-20pct", "source-like, 300k lines, 20% of lines changed", Style::Source, 300000,
+            200, false},
+    };
+    return kinds;
+}
+
 const PairKind* findPairKind(std::string_view name)
 {
+    for (const PairKind& kind : windowPairKinds())
+        if (kind.name == name)
+            return &kind;
     for (const PairKind& kind : pairKinds())
         if (kind.name == name)
             return &kind;

@@ -44,6 +44,8 @@ struct LinePair
 constexpr std::uint64_t kDefaultSeed = 20240611;
 
 const std::vector<PairKind>& pairKinds();
+// Pairs for the window's benchmarks, too slow for the engine's: written only when named.
+const std::vector<PairKind>& windowPairKinds();
 // Null for an unknown name.
 const PairKind* findPairKind(std::string_view name);
 

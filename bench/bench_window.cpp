@@ -3,14 +3,19 @@
 
 #include "App.h"
 #include "BenchPairs.h"
+#include "BevelButton.h"
 #include "Canvas.h"
 #include "DiffWin.h"
 #include "TextArea.h"
 #include "Timer.h"
 
+#include <QElapsedTimer>
 #include <QKeyEvent>
+#include <QMouseEvent>
 #include <QScrollBar>
+#include <QTimer>
 
+#include <algorithm>
 #include <benchmark/benchmark.h>
 #include <string>
 #include <vector>
@@ -20,6 +25,13 @@ namespace {
 using toolkit::TextArea;
 
 constexpr std::size_t kSpacing = 100;
+
+// Runs events until the comparison under way has come back and been drawn.
+void waitForResult(DiffWin& w)
+{
+    while (!w.resultIsCurrent())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+}
 
 // Real timers stay off, so that only what a benchmark does runs.
 void stopTimers(DiffWin& w)
@@ -46,6 +58,7 @@ DiffWin& window()
         emit w->Timer2->Action();
         emit w->Timer1->Action();
         stopTimers(*w);
+        waitForResult(*w);
         QCoreApplication::processEvents();
         return w;
     }();
@@ -96,13 +109,25 @@ void key(QWidget* target, int code, const QString& text)
     QCoreApplication::sendEvent(target, &release);
 }
 
+void click(QWidget* target)
+{
+    const QPointF at = QRectF(target->rect()).center();
+    const QPointF global = target->mapToGlobal(at);
+    QMouseEvent press(
+        QEvent::MouseButtonPress, at, global, Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+    QMouseEvent release(
+        QEvent::MouseButtonRelease, at, global, Qt::LeftButton, Qt::NoButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(target, &press);
+    QCoreApplication::sendEvent(target, &release);
+}
+
 // Types an x on even turns and takes it back on odd ones, so the text stays as it was.
 void typeOrErase(TextArea& pane, int turn)
 {
     if (turn % 2 == 0)
-        key(&pane, Qt::Key_X, QStringLiteral("x"));
+        key(pane.focusProxy(), Qt::Key_X, QStringLiteral("x"));
     else
-        key(&pane, Qt::Key_Backspace, QString());
+        key(pane.focusProxy(), Qt::Key_Backspace, QString());
 }
 
 // A keystroke in a pane: the edit and what the window does about it, before the pause.
@@ -119,23 +144,66 @@ void BM_Keystroke(benchmark::State& state)
 }
 BENCHMARK(BM_Keystroke)->Unit(benchmark::kMicrosecond);
 
-// The tick after the pause: the one comparison of the changed texts and the redraw.
+// From the tick after the pause until the new bands are drawn: the one comparison of the
+// changed texts and the redraw. `tick_ms` is the part the UI thread spends in the tick.
 void BM_ComparisonAfterPause(benchmark::State& state)
 {
     DiffWin& w = window();
     TextArea& pane = *w.txtBox[0];
     pane.select(pane.CharacterPosition(pane.LineCount() / 3) - 1, 0);
     int n = 0;
+    double tick = 0;
     for (auto _ : state) {
         state.PauseTiming();
         typeOrErase(pane, n++);
         stopTimers(w);
         state.ResumeTiming();
+        QElapsedTimer clock;
+        clock.start();
         emit w.Timer1->Action();
+        tick += double(clock.nsecsElapsed()) / 1e6;
+        waitForResult(w);
     }
+    state.counters["tick_ms"] = benchmark::Counter(tick, benchmark::Counter::kAvgIterations);
     counters(state, w);
 }
 BENCHMARK(BM_ComparisonAfterPause)->Unit(benchmark::kMillisecond)->Iterations(6);
+
+// A long comparison (the 300k-line pair with a fifth of its lines changed) and the window
+// meanwhile: a click on Next every 20 ms. `max_gap_ms` is the longest the UI thread was away
+// from its events, `max_click_ms` the longest a click took to be handled.
+void BM_AnswersWhileComparing(benchmark::State& state)
+{
+    DiffWin& w = window();
+    const Bench::LinePair pair = Bench::makePair(*Bench::findPairKind("src300k-20pct"));
+    double maxGap = 0;
+    double maxClick = 0;
+    for (auto _ : state) {
+        state.PauseTiming();
+        w.txtBox[0]->setText(QString::fromStdString(Bench::joinLines(pair.sides[0])));
+        w.txtBox[1]->setText(QString::fromStdString(Bench::joinLines(pair.sides[1])));
+        stopTimers(w);
+        state.ResumeTiming();
+        emit w.Timer1->Action();
+        QElapsedTimer since;
+        since.start();
+        QTimer clicks;
+        QObject::connect(&clicks, &QTimer::timeout, [&] {
+            maxGap = std::max(maxGap, double(since.nsecsElapsed()) / 1e6 - 20);
+            QElapsedTimer handled;
+            handled.start();
+            click(w.NextBtn);
+            maxClick = std::max(maxClick, double(handled.nsecsElapsed()) / 1e6);
+            since.restart();
+        });
+        clicks.start(20);
+        waitForResult(w);
+    }
+    state.counters["max_gap_ms"] = maxGap;
+    state.counters["max_click_ms"] = maxClick;
+    counters(state, w);
+}
+BENCHMARK(BM_AnswersWhileComparing)->Unit(benchmark::kMillisecond)->Iterations(1);
 
 } // namespace
 

@@ -47,9 +47,7 @@ TextArea* makeNotice(
     const char* name, QWidget* parent, QRect inWindow, const char* locks, const QString& text)
 {
     auto* area = make<TextArea>(name, parent, inWindow, locks);
-    area->setPlainText(text);
-    area->setReadOnly(true);
-    area->setLineWrapMode(QPlainTextEdit::WidgetWidth);
+    area->showNotice(text);
     QPalette p = area->palette();
     p.setColor(QPalette::Base, rgb(0xFFFFFF));
     area->setPalette(p);

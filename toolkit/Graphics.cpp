@@ -2,6 +2,7 @@
 
 #include "Style.h"
 
+#include <QPen>
 #include <QPolygon>
 
 namespace toolkit {
@@ -53,7 +54,11 @@ void Graphics::FillPolygon(std::span<const int> points)
     // A polygon on one row covers no pixel: bands out of view, thousands of them in a long text.
     if (flat)
         return;
+    // Outlined in the fill's colour, so that the last row and column the corners name are
+    // covered too, as each corner stands for a whole pixel.
+    painter.setPen(QPen(painter.brush().color(), 0));
     painter.drawPolygon(polygon, Qt::OddEvenFill);
+    painter.setPen(Qt::NoPen);
 }
 
 void Graphics::DrawText(const QString& text, double x, double y)

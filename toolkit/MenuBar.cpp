@@ -1,6 +1,7 @@
 #include "MenuBar.h"
 
 #include "Application.h"
+#include "PlainPane.h"
 #include "Window.h"
 
 #include <QAction>
@@ -8,7 +9,6 @@
 #include <QClipboard>
 #include <QMenu>
 #include <QMenuBar>
-#include <QPlainTextEdit>
 #include <QTextEdit>
 
 #include <functional>
@@ -19,19 +19,34 @@ namespace {
 // The text control that has the focus, seen through one face whichever class it is.
 struct FocusedText
 {
-    QPlainTextEdit* plain = nullptr;
+    PlainPane* plain = nullptr;
     QTextEdit* rich = nullptr;
 
     static FocusedText now()
     {
         QWidget* w = QApplication::focusWidget();
-        return {qobject_cast<QPlainTextEdit*>(w), qobject_cast<QTextEdit*>(w)};
+        return {qobject_cast<PlainPane*>(w), qobject_cast<QTextEdit*>(w)};
     }
     explicit operator bool() const { return plain || rich; }
     bool readOnly() const { return plain ? plain->isReadOnly() : rich->isReadOnly(); }
-    QTextCursor cursor() const { return plain ? plain->textCursor() : rich->textCursor(); }
-    QTextDocument* document() const { return plain ? plain->document() : rich->document(); }
+    bool hasSelection() const
+    {
+        return plain ? plain->hasSelection() : rich->textCursor().hasSelection();
+    }
+    bool canUndo() const { return plain ? plain->canUndo() : rich->document()->isUndoAvailable(); }
+    bool canRedo() const { return plain ? plain->canRedo() : rich->document()->isRedoAvailable(); }
+    bool isEmpty() const
+    {
+        return plain ? plain->store().size() == 0 : rich->document()->isEmpty();
+    }
     bool canPaste() const { return plain ? plain->canPaste() : rich->canPaste(); }
+    void removeSelectedText() const
+    {
+        if (plain)
+            plain->removeSelectedText();
+        else
+            rich->textCursor().removeSelectedText();
+    }
     template <typename F> void call(F f) const
     {
         if (plain)
@@ -58,19 +73,19 @@ bool editingApplies(const QString& name, const FocusedText& t)
 {
     if (!t)
         return false;
-    const bool selection = t.cursor().hasSelection();
+    const bool selection = t.hasSelection();
     const bool writable = !t.readOnly();
     if (name == QLatin1String("EditUndo"))
-        return writable && t.document()->isUndoAvailable();
+        return writable && t.canUndo();
     if (name == QLatin1String("EditRedo"))
-        return writable && t.document()->isRedoAvailable();
+        return writable && t.canRedo();
     if (name == QLatin1String("EditCut") || name == QLatin1String("EditClear"))
         return writable && selection;
     if (name == QLatin1String("EditCopy"))
         return selection;
     if (name == QLatin1String("EditPaste"))
         return writable && t.canPaste();
-    return !t.document()->isEmpty(); // EditSelectAll
+    return !t.isEmpty(); // EditSelectAll
 }
 
 void runEditing(const QString& name, const FocusedText& t)
@@ -89,7 +104,7 @@ void runEditing(const QString& name, const FocusedText& t)
         else if (name == QLatin1String("EditPaste"))
             edit->paste();
         else if (name == QLatin1String("EditClear"))
-            edit->textCursor().removeSelectedText();
+            t.removeSelectedText();
         else
             edit->selectAll();
     });
@@ -149,8 +164,23 @@ QList<QKeySequence> shortcutsFor(const QString& literal)
     return {sequence};
 }
 
+namespace {
+MenuBar* lastBuilt = nullptr;
+}
+
 MenuBar::MenuBar() = default;
-MenuBar::~MenuBar() = default;
+
+MenuBar::~MenuBar()
+{
+    if (lastBuilt == this)
+        lastBuilt = nullptr;
+}
+
+QString MenuBar::itemText(const QString& name, const QString& otherwise)
+{
+    const MenuItem* found = lastBuilt ? lastBuilt->item(name) : nullptr;
+    return found ? found->Value : otherwise;
+}
 
 MenuItem* MenuBar::Append(std::unique_ptr<MenuItem> entry)
 {
@@ -175,6 +205,7 @@ MenuItem* MenuBar::item(const QString& name) const
 
 void MenuBar::build()
 {
+    lastBuilt = this;
     for (auto& entry : top)
         buildItem(*entry, nullptr);
 }

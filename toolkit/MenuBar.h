@@ -61,6 +61,9 @@ public:
     void install(Window* window);
     void uninstall(Window* window);
 
+    // The text of the application's item of that name, so that other menus say it alike.
+    static QString itemText(const QString& name, const QString& otherwise);
+
     // What choosing the item would do now, with this front window and focus.
     bool isEnabledNow(const MenuItem& item) const;
     void choose(const MenuItem& item);

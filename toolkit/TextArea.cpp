@@ -1,77 +1,174 @@
 #include "TextArea.h"
 
-#include "Geometry.h"
+#include "PlainPane.h"
 #include "Style.h"
 
 #include <QAbstractTextDocumentLayout>
-#include <QPainter>
 #include <QScrollBar>
 #include <QTextBlock>
+#include <QTextEdit>
 #include <QTextLayout>
-#include <QTextObjectInterface>
 #include <QWheelEvent>
 
 #include <algorithm>
+#include <cmath>
 
 namespace toolkit {
 
 namespace {
 
-// Draws the pictures of a styled text, which the plain editor's layout leaves out, at the size
-// their format gives.
-class PictureObject : public QObject, public QTextObjectInterface
+// Frame marks and separators stand in a rich text's raw characters for the breaks it shows. One
+// character for one keeps positions the same in both.
+QString shownLines(const QTextDocument* doc)
 {
-    Q_OBJECT
-    Q_INTERFACES(QTextObjectInterface)
-public:
-    using QObject::QObject;
-    QSizeF intrinsicSize(QTextDocument* doc, int, const QTextFormat& format) override
-    {
-        const QTextImageFormat f = format.toImageFormat();
-        if (f.width() > 0 && f.height() > 0)
-            return {f.width(), f.height()};
-        return picture(doc, f).size();
+    QString raw = doc->toRawText();
+    for (QChar& c : raw) {
+        const char16_t u = c.unicode();
+        if (u == QChar::ParagraphSeparator || u == QChar::LineSeparator || u == 0xFDD0
+            || u == 0xFDD1 || u == u'\r')
+            c = u'\n';
     }
-    void drawObject(QPainter* painter, const QRectF& rect, QTextDocument* doc, int,
-        const QTextFormat& format) override
+    return raw;
+}
+
+// A styled document without line wrap. Qt lays out such paragraphs from the left whatever their
+// alignment; centred and right-set ones have their shown lines moved across the pane's width
+// before each paint, and the lines' positions then serve painting, the caret and clicks alike.
+class RichPane : public QTextEdit
+{
+public:
+    explicit RichPane(QWidget* parent)
+        : QTextEdit(parent)
     {
-        painter->drawImage(rect, picture(doc, format.toImageFormat()));
+        setLineWrapMode(QTextEdit::NoWrap);
+        setAcceptRichText(false);
+        setTabChangesFocus(true);
+    }
+
+protected:
+    void paintEvent(QPaintEvent* e) override
+    {
+        if (lineWrapMode() == QTextEdit::NoWrap)
+            alignShownParagraphs();
+        QTextEdit::paintEvent(e);
     }
 
 private:
-    static QImage picture(QTextDocument* doc, const QTextImageFormat& f)
+    void alignShownParagraphs()
     {
-        return doc->resource(QTextDocument::ImageResource, QUrl(f.name())).value<QImage>();
+        QTextDocument* doc = document();
+        const qreal width = viewport()->width() - 2 * doc->documentMargin();
+        const qreal bottom = verticalScrollBar()->value() + viewport()->height();
+        QAbstractTextDocumentLayout* layout = doc->documentLayout();
+        for (QTextBlock b = cursorForPosition(QPoint(0, 0)).block(); b.isValid(); b = b.next()) {
+            if (layout->blockBoundingRect(b).top() > bottom)
+                break;
+            const Qt::Alignment a = b.blockFormat().alignment() & Qt::AlignHorizontal_Mask;
+            const qreal share = a & Qt::AlignHCenter       ? 0.5
+                : a & (Qt::AlignRight | Qt::AlignTrailing) ? 1
+                                                           : 0;
+            QTextLayout* lines = b.layout();
+            if (share == 0 || !lines)
+                continue;
+            for (int i = 0; i < lines->lineCount(); ++i) {
+                QTextLine line = lines->lineAt(i);
+                const qreal free = std::max<qreal>(0, width - line.naturalTextWidth());
+                line.setPosition({free * share, line.position().y()});
+            }
+        }
     }
 };
 
 } // namespace
 
 TextArea::TextArea(QWidget* parent)
-    : QPlainTextEdit(parent)
+    : QWidget(parent)
+    , plain(new PlainPane(this))
 {
-    setLineWrapMode(QPlainTextEdit::NoWrap);
-    setTabChangesFocus(true);
     setFont(systemFont());
-    connect(this, &QPlainTextEdit::textChanged, this, &TextArea::TextChange);
-    connect(document(), &QTextDocument::contentsChange, this, [this] {
+    // The focus goes to the pane inside.
+    setFocusPolicy(Qt::NoFocus);
+    connect(plain, &PlainPane::textChanged, this, [this] {
         ++revision;
-        rowsStale = startsStale = true;
+        emit TextChange();
     });
-    connect(verticalScrollBar(), &QScrollBar::valueChanged, this, [this] { rowsStale = true; });
-    QAbstractTextDocumentLayout* layout = document()->documentLayout();
-    // Any new layout: a font, a margin, a line laid out anew.
-    connect(layout, &QAbstractTextDocumentLayout::update, this, [this] { rowsStale = true; });
-    layout->registerHandler(QTextFormat::ImageObject, new PictureObject(this));
+    watch(plain);
+    showInside(plain);
+}
+
+TextArea::~TextArea() = default;
+
+void TextArea::watch(QWidget* w)
+{
+    w->installEventFilter(this);
+    if (auto* area = qobject_cast<QAbstractScrollArea*>(w)) {
+        area->viewport()->installEventFilter(this);
+        area->viewport()->setAcceptDrops(true);
+    }
+}
+
+void TextArea::showInside(QWidget* w)
+{
+    w->setGeometry(rect());
+    w->show();
+    setFocusProxy(w);
+    if (w != plain)
+        plain->hide();
+    else if (rich)
+        rich->hide();
+}
+
+void TextArea::resizeEvent(QResizeEvent*)
+{
+    plain->setGeometry(rect());
+    if (rich)
+        rich->setGeometry(rect());
+}
+
+void TextArea::dropRich()
+{
+    if (!rich)
+        return;
+    const bool focused = rich->hasFocus();
+    delete rich;
+    showInside(plain);
+    if (focused)
+        plain->setFocus();
+}
+
+QString TextArea::Text() const
+{
+    return rich ? rich->toPlainText() : plain->store().text();
+}
+
+qsizetype TextArea::TextLength() const
+{
+    return lines().size();
+}
+
+void TextArea::setText(const QString& text)
+{
+    setText(prepare(text));
+}
+
+PreparedText TextArea::prepare(QString text)
+{
+    return PreparedText(LineStore(std::move(text)));
+}
+
+void TextArea::setText(const PreparedText& text)
+{
+    ++fills;
+    dropRich();
+    plain->setStore(text.lines ? *text.lines : LineStore());
 }
 
 bool TextArea::setText(const QString& text, const std::function<bool()>& between)
 {
     // Big enough that the slices cost nothing, small enough that events run several times a
-    // second while a document takes the lines in.
+    // second while a long text comes in.
     constexpr qsizetype kSlice = qsizetype(1) << 20;
-    // Slices end before a line break, so that a fill stopped early ends with a whole line, and
-    // never between the CR and the LF of one break, which would make two.
+    // Slices end before a line break, so that a fill stopped early ends with a whole line.
     const auto cut = [&text](qsizetype from) {
         qsizetype at = from < text.size() ? text.indexOf(u'\n', from) : -1;
         if (at < 0)
@@ -79,14 +176,14 @@ bool TextArea::setText(const QString& text, const std::function<bool()>& between
         return at > 0 && text.at(at - 1) == u'\r' ? at - 1 : at;
     };
     qsizetype end = text.size() <= kSlice ? text.size() : cut(kSlice);
-    setText(text.first(end));
+    // The store keeps views of `text` itself: no copy of a long text.
+    LineStore filled(text, end);
+    setText(PreparedText(filled));
     if (end == text.size())
         return true;
     const quint64 fill = fills;
-    const bool wasReadOnly = isReadOnly();
+    const bool wasReadOnly = readOnly;
     setReadOnly(true);
-    // A fill is not an edit to undo; switching undo off and on again also empties its stacks.
-    document()->setUndoRedoEnabled(false);
     bool whole = false;
     while (between() && fills == fill) {
         if (end == text.size()) {
@@ -94,14 +191,51 @@ bool TextArea::setText(const QString& text, const std::function<bool()>& between
             break;
         }
         const qsizetype next = cut(end + kSlice);
-        QTextCursor c(document());
-        c.movePosition(QTextCursor::End);
-        c.insertText(text.sliced(end, next - end));
+        filled.extendTo(text, next);
         end = next;
+        // The view stays where the reader has scrolled it.
+        const int line = plain->firstVisibleLine();
+        plain->setStore(filled);
+        plain->scrollToLine(line);
     }
-    document()->setUndoRedoEnabled(true);
     setReadOnly(wasReadOnly);
     return whole;
+}
+
+QTextDocument* TextArea::StyledText()
+{
+    ++fills;
+    const bool focused = hasFocus();
+    delete rich;
+    plain->setStore(LineStore());
+    rich = new RichPane(this);
+    rich->setReadOnly(readOnly);
+    connect(rich->document(), &QTextDocument::contentsChange, this, [this] { ++revision; });
+    connect(rich, &QTextEdit::textChanged, this, &TextArea::TextChange);
+    watch(rich);
+    // Where the plain pane stood in the order of Tab.
+    QWidget::setTabOrder(plain, rich);
+    showInside(rich);
+    if (focused)
+        rich->setFocus();
+    ++revision;
+    return rich->document();
+}
+
+void TextArea::showNotice(const QString& text)
+{
+    QTextDocument* doc = StyledText();
+    doc->setPlainText(text);
+    rich->setLineWrapMode(QTextEdit::WidgetWidth);
+    setReadOnly(true);
+}
+
+void TextArea::setReadOnly(bool on)
+{
+    readOnly = on;
+    plain->setReadOnly(on);
+    if (rich)
+        rich->setReadOnly(on);
 }
 
 void TextArea::setTextFont(const QString& name)
@@ -126,162 +260,196 @@ void TextArea::setTextSize(int size)
 
 void TextArea::AcceptFileDrop(const FileTypeList&)
 {
-    setAcceptDrops(true);
+    acceptsFiles = true;
 }
 
-void TextArea::dragEnterEvent(QDragEnterEvent* e)
+QWidget* TextArea::viewport() const
 {
-    if (!fileDrops.enter(e))
-        QPlainTextEdit::dragEnterEvent(e);
+    return rich ? rich->viewport() : plain->viewport();
 }
 
-void TextArea::dragMoveEvent(QDragMoveEvent* e)
+bool TextArea::eventFilter(QObject* watched, QEvent* e)
 {
-    if (!fileDrops.move(e))
-        QPlainTextEdit::dragMoveEvent(e);
+    const bool onViewport = watched == viewport();
+    switch (e->type()) {
+    case QEvent::Wheel:
+        if (onViewport && onMouseWheel) {
+            auto* w = static_cast<QWheelEvent*>(e);
+            const QPoint p = w->position().toPoint();
+            const QPoint lines = wheel.take(w);
+            if (onMouseWheel(p.x(), p.y(), lines.x(), lines.y())) {
+                e->accept();
+                return true;
+            }
+        }
+        break;
+    case QEvent::DragEnter:
+        return onViewport && acceptsFiles && fileDrops.enter(static_cast<QDragEnterEvent*>(e));
+    case QEvent::DragMove:
+        return onViewport && acceptsFiles && fileDrops.move(static_cast<QDragMoveEvent*>(e));
+    case QEvent::DragLeave:
+        return onViewport && acceptsFiles && fileDrops.leave();
+    case QEvent::Drop:
+        return onViewport && acceptsFiles && fileDrops.drop(static_cast<QDropEvent*>(e), this);
+    default:
+        break;
+    }
+    return QWidget::eventFilter(watched, e);
 }
 
-void TextArea::dragLeaveEvent(QDragLeaveEvent* e)
+const LineStore& TextArea::lines() const
 {
-    if (!fileDrops.leave())
-        QPlainTextEdit::dragLeaveEvent(e);
-}
-
-void TextArea::dropEvent(QDropEvent* e)
-{
-    if (!fileDrops.drop(e, this))
-        QPlainTextEdit::dropEvent(e);
+    if (!rich)
+        return plain->store();
+    if (richLinesRevision != revision) {
+        richLines = LineStore(shownLines(rich->document()));
+        richLinesRevision = revision;
+    }
+    return richLines;
 }
 
 QStringList TextArea::Lines() const
 {
-    QStringList lines;
-    for (std::u16string_view line : lineTexts().lines)
-        lines.append(QString(reinterpret_cast<const QChar*>(line.data()), qsizetype(line.size())));
-    return lines;
-}
-
-// One copy of the whole text, cut where the document's blocks end. The document turns frame marks
-// that come with a text into paragraph separators, so the marks in its raw text are its own.
-TextLines TextArea::lineTexts() const
-{
-    const QTextDocument* doc = document();
-    TextLines t;
-    t.text = doc->toRawText();
-    const auto* data = reinterpret_cast<const char16_t*>(t.text.utf16());
-    const size_t size = size_t(t.text.size());
-    t.lines.reserve(size_t(doc->blockCount()));
-    size_t start = 0;
-    for (size_t i = 0; i < size; ++i) {
-        const char16_t c = data[i];
-        // Paragraph separator, and the characters that begin and end a frame.
-        if (c == QChar::ParagraphSeparator || c == 0xFDD0 || c == 0xFDD1) {
-            t.lines.emplace_back(data + start, i - start);
-            start = i + 1;
-        }
-    }
-    t.lines.emplace_back(data + start, size - start);
-    return t;
-}
-
-std::shared_ptr<const TextSnapshot> TextArea::snapshot() const
-{
-    TextLines t = lineTexts();
-    // The views stay valid: moving a QString keeps its buffer.
-    return std::make_shared<const TextSnapshot>(std::move(t.text), std::move(t.lines), revision);
-}
-
-int TextArea::LineCount() const
-{
-    return document()->blockCount();
-}
-
-int TextArea::VerticalScrollPosition() const
-{
-    return verticalScrollBar()->value();
-}
-
-void TextArea::setVerticalScrollPosition(int line)
-{
-    QScrollBar* bar = verticalScrollBar();
-    bar->setValue(std::clamp(line, bar->minimum(), bar->maximum()));
-}
-
-const std::vector<int>& TextArea::lineStarts() const
-{
-    if (startsStale) {
-        starts.clear();
-        starts.reserve(document()->blockCount());
-        int position = 1;
-        for (QTextBlock b = document()->begin(); b.isValid(); b = b.next()) {
-            starts.push_back(position);
-            position += b.length();
-        }
-        startsStale = false;
-    }
-    return starts;
-}
-
-int TextArea::CharacterPosition(int line) const
-{
-    const std::vector<int>& s = lineStarts();
-    if (line >= int(s.size()))
-        return document()->characterCount() + 1;
-    return s[std::max(line, 0)];
-}
-
-// Walks the blocks down from the first visible one as Qt's own hit test does: a row above a
-// block's top belongs to the block before it, a row below the last block to no line.
-std::vector<int> TextArea::rowPositions(int first, int last) const
-{
-    std::vector<int> out;
-    out.reserve(std::max(last - first + 1, 0));
-    const int pastEnd = document()->characterCount() + 1;
-    const int viewportTop = viewport()->y();
-    QTextBlock b = firstVisibleBlock();
-    double top = contentOffset().y();
-    double height = blockBoundingRect(b).height();
-    for (int y = first; y <= last; ++y) {
-        const double vy = y - viewportTop;
-        while (vy < top && b.previous().isValid()) {
-            b = b.previous();
-            height = blockBoundingRect(b).height();
-            top -= height;
-        }
-        while (vy >= top + height && b.next().isValid()) {
-            top += height;
-            b = b.next();
-            height = blockBoundingRect(b).height();
-        }
-        out.push_back(vy >= top + height ? pastEnd : b.position() + 1);
+    const LineStore& l = lines();
+    QStringList out;
+    out.reserve(l.lineCount());
+    for (qsizetype i = 0; i < l.lineCount(); ++i) {
+        const std::u16string_view s = l.line(i);
+        out.append(QString(reinterpret_cast<const QChar*>(s.data()), qsizetype(s.size())));
     }
     return out;
 }
 
+// Not kept here: a block that no snapshot holds can take the next edit in place.
+std::shared_ptr<const TextSnapshot> TextArea::snapshot() const
+{
+    return std::make_shared<const TextSnapshot>(lines(), revision);
+}
+
+int TextArea::LineCount() const
+{
+    return int(lines().lineCount());
+}
+
+int TextArea::VerticalScrollPosition() const
+{
+    if (!rich)
+        return plain->firstVisibleLine();
+    // Below the row where the line was put, so that a fraction of a pixel does not count.
+    const int at = rich->cursorForPosition(QPoint(4, 1)).position();
+    return int(lines().lineAt(at));
+}
+
+void TextArea::setVerticalScrollPosition(int line)
+{
+    if (!rich)
+        return plain->scrollToLine(line);
+    const LineStore& l = lines();
+    line = std::clamp<int>(line, 0, int(l.lineCount()) - 1);
+    const int position = int(l.lineStart(line));
+    const QTextBlock b = rich->document()->findBlock(position);
+    QScrollBar* bar = rich->verticalScrollBar();
+    const QTextLayout* layout = b.layout();
+    if (!layout)
+        return;
+    const QTextLine shown = layout->lineForTextPosition(position - b.position());
+    const qreal top = rich->document()->documentLayout()->blockBoundingRect(b).top()
+        + (shown.isValid() ? shown.y() : 0);
+    bar->setValue(std::clamp(int(std::ceil(top)), bar->minimum(), bar->maximum()));
+}
+
+int TextArea::CharacterPosition(int line) const
+{
+    const LineStore& l = lines();
+    if (line >= l.lineCount())
+        return int(l.size()) + 2;
+    return int(l.lineStart(std::max(line, 0))) + 1;
+}
+
+int TextArea::TextTop() const
+{
+    const QWidget* v = viewport();
+    return v->mapTo(this, QPoint()).y();
+}
+
+int TextArea::TextHeight() const
+{
+    return viewport()->height();
+}
+
+TextArea::Stamp TextArea::stampNow() const
+{
+    const QAbstractScrollArea* area = rich ? static_cast<QAbstractScrollArea*>(rich) : plain;
+    return {revision, area->verticalScrollBar()->value(), TextTop(), TextHeight(), LineHeight()};
+}
+
+int TextArea::lineAtRow(int row) const
+{
+    const int y = row - TextTop();
+    if (!rich) {
+        const int h = plain->lineHeight();
+        const int offset = y - PlainPane::kTop;
+        const int shown = offset >= 0 ? offset / h : -((h - 1 - offset) / h);
+        return std::max(plain->firstVisibleLine() + shown, 0);
+    }
+    // Qt's own hit test: a row past the text's end belongs to no line.
+    const QTextDocument* doc = rich->document();
+    const int scrolled = rich->verticalScrollBar()->value();
+    if (y + scrolled >= doc->documentLayout()->documentSize().height())
+        return LineCount();
+    return int(lines().lineAt(rich->cursorForPosition(QPoint(4, std::max(y, 0))).position()));
+}
+
 int TextArea::positionAtRow(int row) const
 {
-    if (row < 0 || row > height())
-        return rowPositions(row, row).front();
-    if (rowsStale || int(rows.size()) != height() + 1) {
-        rows = rowPositions(0, height());
-        rowsStale = false;
+    const int bottom = TextTop() + TextHeight();
+    if (row < 0 || row > bottom)
+        return CharacterPosition(lineAtRow(row));
+    const Stamp now = stampNow();
+    if (rowsStamp != now) {
+        rows.resize(std::size_t(bottom) + 1);
+        int line = -1;
+        int position = 0;
+        for (int r = 0; r <= bottom; ++r) {
+            const int at = lineAtRow(r);
+            if (at != line) {
+                line = at;
+                position = CharacterPosition(line);
+            }
+            rows[std::size_t(r)] = position;
+        }
+        rowsStamp = now;
     }
-    return rows[static_cast<size_t>(row)];
+    return rows[std::size_t(row)];
+}
+
+QRect TextArea::lineRect(int line) const
+{
+    if (!rich) {
+        const int top = TextTop() + PlainPane::kTop
+            + (line - plain->firstVisibleLine()) * plain->lineHeight();
+        return {0, top, width(), plain->lineHeight()};
+    }
+    const QRect r
+        = rich->cursorRect(QTextCursor(rich->document()->findBlock(CharacterPosition(line) - 1)));
+    return r.translated(0, TextTop()).adjusted(0, 0, 0, 0);
 }
 
 int TextArea::LineHeight() const
 {
-    return fontMetrics().lineSpacing();
+    return rich ? rich->fontMetrics().lineSpacing() : plain->lineHeight();
 }
 
 int TextArea::SelectionStart() const
 {
-    return textCursor().selectionStart();
+    return rich ? rich->textCursor().selectionStart() : int(plain->selectionStart());
 }
 
 int TextArea::SelectionLength() const
 {
-    const QTextCursor c = textCursor();
+    if (!rich)
+        return int(plain->selectionEnd() - plain->selectionStart());
+    const QTextCursor c = rich->textCursor();
     return c.selectionEnd() - c.selectionStart();
 }
 
@@ -292,65 +460,19 @@ void TextArea::setSelectionLength(int length)
 
 void TextArea::select(int start, int length)
 {
-    QTextCursor c(document());
-    const int last = document()->characterCount() - 1;
+    if (!rich)
+        return plain->setSelection(start, qsizetype(start) + length, false);
+    QTextCursor c(rich->document());
+    const int last = rich->document()->characterCount() - 1;
     c.setPosition(std::clamp(start, 0, last));
     c.setPosition(std::clamp(start + length, 0, last), QTextCursor::KeepAnchor);
-    QScrollBar* v = verticalScrollBar();
-    QScrollBar* h = horizontalScrollBar();
+    QScrollBar* v = rich->verticalScrollBar();
+    QScrollBar* h = rich->horizontalScrollBar();
     const int line = v->value();
     const int column = h->value();
-    setTextCursor(c);
+    rich->setTextCursor(c);
     v->setValue(line);
     h->setValue(column);
 }
 
-void TextArea::paintEvent(QPaintEvent* e)
-{
-    alignShownParagraphs();
-    QPlainTextEdit::paintEvent(e);
-}
-
-// The plain editor's layout puts every line at the left. Styled paragraphs that are centred or
-// set to the right have their shown lines moved across the pane's width before each paint; the
-// lines' own positions serve painting, the caret and clicks alike.
-void TextArea::alignShownParagraphs()
-{
-    const qreal margin = document()->documentMargin();
-    const qreal width = viewport()->width() - 2 * margin;
-    const qreal bottom = viewport()->height();
-    qreal top = contentOffset().y();
-    for (QTextBlock b = firstVisibleBlock(); b.isValid() && top <= bottom; b = b.next()) {
-        const qreal height = blockBoundingRect(b).height();
-        top += height;
-        const Qt::Alignment a = b.blockFormat().alignment() & Qt::AlignHorizontal_Mask;
-        const qreal share = a & Qt::AlignHCenter       ? 0.5
-            : a & (Qt::AlignRight | Qt::AlignTrailing) ? 1
-                                                       : 0;
-        QTextLayout* layout = b.layout();
-        if (share == 0 || !layout)
-            continue;
-        for (int i = 0; i < layout->lineCount(); ++i) {
-            QTextLine line = layout->lineAt(i);
-            const qreal free = std::max<qreal>(0, width - line.naturalTextWidth());
-            line.setPosition({margin + free * share, line.position().y()});
-        }
-    }
-}
-
-void TextArea::wheelEvent(QWheelEvent* e)
-{
-    if (onMouseWheel) {
-        const QPoint p = e->position().toPoint();
-        const QPoint lines = wheel.take(e);
-        if (onMouseWheel(p.x(), p.y(), lines.x(), lines.y())) {
-            e->accept();
-            return;
-        }
-    }
-    QPlainTextEdit::wheelEvent(e);
-}
-
 } // namespace toolkit
-
-#include "TextArea.moc"

@@ -3,61 +3,66 @@
 #include "DragItem.h"
 #include "FileType.h"
 #include "Geometry.h"
+#include "PreparedText.h"
 #include "TextSnapshot.h"
 
-#include <QPlainTextEdit>
+#include <QPointer>
+#include <QWidget>
 
 #include <cmath>
 #include <functional>
 #include <memory>
-#include <string_view>
 #include <vector>
+
+class QTextDocument;
+class QTextEdit;
 
 namespace toolkit {
 
-// A pane's text and a view of each of its lines, valid while this object lives.
-struct TextLines
-{
-    QString text;
-    std::vector<std::u16string_view> lines;
-};
+class PlainPane;
 
-// An editable pane without line wrap, so that a pane's lines are its text's lines.
+// An editable pane without line wrap, so that a pane's lines are its text's lines. It holds a
+// plain pane over a line store, or, for a styled document, a rich pane; its face is the same.
 // Scroll positions count lines; character positions are one above the selection's scale.
-class TextArea : public QPlainTextEdit
+class TextArea : public QWidget
 {
     Q_OBJECT
 public:
     explicit TextArea(QWidget* parent = nullptr);
+    ~TextArea() override;
 
-    QString Text() const { return toPlainText(); }
+    QString Text() const;
+    qsizetype TextLength() const;
     // Raises TextChange, as typing does.
-    void setText(const QString& text)
-    {
-        ++fills;
-        setPlainText(text);
-    }
+    void setText(const QString& text);
     // The same for a text that may be long: it goes in a slice of lines at a time, and between
     // slices `between` runs; the fill stops, keeping what is in, when that answers false or when
     // the pane has been given another text meanwhile. The pane takes no typing while it fills.
     // True when the whole text went in.
     bool setText(const QString& text, const std::function<bool()>& between);
+    // Does the work of taking a text in, on any thread; setText(PreparedText) then shows it on
+    // the UI thread at once, and raises TextChange like setText(QString).
+    static PreparedText prepare(QString text);
+    void setText(const PreparedText& text);
 
-    // The text with its styles, as a rich-text reader leaves it. Readers write into it inside
-    // one edit block, so that the pane lays it out once.
-    QTextDocument* StyledText() const { return document(); }
+    // Starts a styled document: the pane shows a new, empty rich text for a reader to fill,
+    // inside one edit block so that it is laid out once. The next plain text starts clean again.
+    QTextDocument* StyledText();
     // "System" and size 0 stand for the desktop's font.
     void setTextFont(const QString& name);
     void setTextSize(int size);
+    // A read-only text wrapped at the pane's width, for windows that show a notice.
+    void showNotice(const QString& text);
+    bool isReadOnly() const { return readOnly; }
+    void setReadOnly(bool on);
 
     // Files dragged onto the pane go to these handlers; dragged text is the editor's.
     void AcceptFileDrop(const FileTypeList& types);
     FileDrops fileDrops;
 
-    // The pane's lines as it shows them: CR, LF, CR LF and U+2029 end a line, U+2028 does not.
+    // The pane's lines: CR, LF and CR LF end a line, and in a styled text every line break it
+    // shows (paragraphs and U+2028) too; no other character does.
     QStringList Lines() const;
-    // The same lines without a copy of each, for comparing long texts.
-    TextLines lineTexts() const;
     // The lines as they stand now, for a comparison that may run on another thread.
     std::shared_ptr<const TextSnapshot> snapshot() const;
     int LineCount() const;
@@ -76,11 +81,18 @@ public:
     {
         // Inline: the indicator asks this hundreds of thousands of times on one redraw.
         const auto row = static_cast<int>(std::floor(y));
-        if (!rowsStale && row >= 0 && row < static_cast<int>(rows.size()))
+        if (rowsStamp == stampNow() && row >= 0 && row < static_cast<int>(rows.size()))
             return rows[static_cast<size_t>(row)];
         return positionAtRow(row);
     }
     int LineHeight() const;
+    // The rows of the control that show text: the text's viewport, without frame or scroll bar.
+    int TextTop() const;
+    int TextHeight() const;
+    // Where a line is drawn now, in the control's rows; for checks and tests.
+    QRect lineRect(int line) const;
+    // The widget that takes the mouse and drops over the text.
+    QWidget* viewport() const;
 
     int SelectionStart() const;
     int SelectionLength() const;
@@ -96,26 +108,36 @@ signals:
     void TextChange();
 
 protected:
-    void paintEvent(QPaintEvent* e) override;
-    void wheelEvent(QWheelEvent* e) override;
-    void dragEnterEvent(QDragEnterEvent* e) override;
-    void dragMoveEvent(QDragMoveEvent* e) override;
-    void dragLeaveEvent(QDragLeaveEvent* e) override;
-    void dropEvent(QDropEvent* e) override;
+    bool eventFilter(QObject* watched, QEvent* e) override;
+    void resizeEvent(QResizeEvent* e) override;
 
 private:
-    void alignShownParagraphs();
-    std::vector<int> rowPositions(int first, int last) const;
+    struct Stamp
+    {
+        quint64 revision = ~quint64(0);
+        int scroll = 0, top = 0, height = 0, lineHeight = 0;
+        bool operator==(const Stamp&) const = default;
+    };
+    Stamp stampNow() const;
     int positionAtRow(int row) const;
-    const std::vector<int>& lineStarts() const;
+    int lineAtRow(int row) const;
+    const LineStore& lines() const;
+    void showInside(QWidget* w);
+    void watch(QWidget* w);
+    void dropRich();
 
+    PlainPane* plain = nullptr;
+    QPointer<QTextEdit> rich;
+    bool readOnly = false;
+    bool acceptsFiles = false;
     quint64 revision = 0;
     quint64 fills = 0;
+    // The rich text's lines, cut anew after each change of it.
+    mutable LineStore richLines;
+    mutable quint64 richLinesRevision = ~quint64(0);
     // Kept between calls: the indicator asks for thousands of positions on each redraw.
     mutable std::vector<int> rows;
-    mutable std::vector<int> starts;
-    mutable bool rowsStale = true;
-    mutable bool startsStale = true;
+    mutable Stamp rowsStamp;
     WheelLines wheel;
 };
 

@@ -22,7 +22,10 @@
 #include "WidthLayout.h"
 #include "globals.h"
 
+#include <QTimer>
+
 #include <algorithm>
+#include <span>
 #include <string_view>
 
 using toolkit::BevelButton;
@@ -65,6 +68,9 @@ constexpr int kCanvasWidth = 54;
 constexpr unsigned kSameColour = 0x99CCFF;
 constexpr unsigned kDiffColour = 0xFFCC00;
 constexpr unsigned kCurrentColour = 0xFFAA00;
+// A comparison that ends sooner leaves the counter as it was: nothing flickers while typing.
+constexpr int kWaitNoticeMs = 150;
+const QString kWaitingTotal = QStringLiteral("…");
 
 } // namespace
 
@@ -177,6 +183,9 @@ void DiffWin::CreateTimers()
     Timer1 = timer(100, 2);
     Timer2 = timer(500, 0);
     Timer3 = timer(5000, 0);
+    waitNotice = new QTimer(this);
+    waitNotice->setSingleShot(true);
+    waitNotice->setInterval(kWaitNoticeMs);
 }
 
 void DiffWin::ConnectHandlers()
@@ -195,6 +204,10 @@ void DiffWin::ConnectHandlers()
     connect(Timer1, &toolkit::Timer::Action, this, &DiffWin::Timer1_Action);
     connect(Timer2, &toolkit::Timer::Action, this, &DiffWin::Timer2_Action);
     connect(Timer3, &toolkit::Timer::Action, this, &DiffWin::Timer3_Action);
+    comparison = new Comparison(this);
+    connect(comparison, &Comparison::finished, this, &DiffWin::takeResult);
+    connect(comparison, &Comparison::failed, this, [this] { waitNotice->stop(); });
+    connect(waitNotice, &QTimer::timeout, this, &DiffWin::showWaiting);
     connect(NextBtn, &BevelButton::Action, this, &DiffWin::NextBtn_Action);
     connect(PrevBtn, &BevelButton::Action, this, &DiffWin::PrevBtn_Action);
     connect(TopBtn, &BevelButton::Action, this, &DiffWin::TopBtn_Action);
@@ -228,6 +241,9 @@ void DiffWin::diffCanvas_Open()
 // No comparison while the text is changing: the next comes after a pause.
 void DiffWin::txtBox_TextChange(int)
 {
+    // Whatever it finds is out of date already.
+    comparison->cancel();
+    noticeWaiting();
     Timer1->setMode(0);
     Timer2->setMode(1);
     dirty = true;
@@ -256,14 +272,18 @@ void DiffWin::Timer1_Action()
     const std::array<int, 2> shown{
         txtBox[0]->VerticalScrollPosition(), txtBox[1]->VerticalScrollPosition()};
     if (shown != scrolTop || dirty) {
+        const bool moved = shown != scrolTop;
         scrolTop = shown;
         if (dirty) {
             dirty = false;
             compare();
         }
-        redraw = true;
+        // A comparison under way draws when it comes back; until then the picture is the same.
+        redraw = moved || !comparison->running();
     }
-    if (onlyFirst) {
+    // The first difference of the texts on show, not of those compared before: with a
+    // comparison under way, its result makes the choice when it comes in.
+    if (onlyFirst && !comparison->running()) {
         onlyFirst = false;
         makeFirstCurrent();
         redraw = true;
@@ -276,7 +296,7 @@ void DiffWin::Timer1_Action()
 
 void DiffWin::updateFilm()
 {
-    SameFilm->setVisible(!updateDiffCanvas());
+    SameFilm->setVisible(!updateDiffCanvas() && mayClaimSame());
 }
 
 bool DiffWin::updateDiffCanvas()
@@ -289,7 +309,8 @@ bool DiffWin::updateDiffCanvas()
     const PaneLines right(*txtBox[1]);
     bool drawn = false;
     int diffIndex = 0;
-    for (const SeqDiff::Difference& d : diffs) {
+    for (const SeqDiff::Difference& d :
+        bandsHidden ? std::span<const SeqDiff::Difference>() : std::span(diffs)) {
         const indicator::Band band = indicator::bandOf(d, left, right);
         if (!band.inverted()) {
             if (canvasClicked)
@@ -306,9 +327,11 @@ bool DiffWin::updateDiffCanvas()
             g.setDrawingColor(0x000000);
             g.setFontName(QStringLiteral("System"));
             g.setFontSize(14);
+            // Numbers, like bands, stay beside rows that show text; a band out of view, flat on
+            // both sides, has none.
             const indicator::NumberPlace place
-                = indicator::numberPlace(diffIndex, band, g.Height());
-            if (place.shown)
+                = indicator::numberPlace(diffIndex, band, left.Height());
+            if (place.shown && !(band.side[0].empty() && band.side[1].empty()))
                 g.DrawText(QString::number(diffIndex + 1), place.x, place.y);
             drawn = true;
         }
@@ -319,7 +342,7 @@ bool DiffWin::updateDiffCanvas()
         txtBox[0]->setSelectionLength(0);
         txtBox[1]->setSelectionLength(0);
     }
-    DiffTotal->setText(QString::number(diffs.size()));
+    DiffTotal->setText(totalText());
     return drawn;
 }
 
@@ -497,16 +520,81 @@ void DiffWin::Event_Deactivate()
     globals::fCount = 0;
 }
 
+Comparison::Revisions DiffWin::revisions() const
+{
+    return {txtBox[0]->contentRevision(), txtBox[1]->contentRevision()};
+}
+
 void DiffWin::compare()
 {
-    const std::array<quint64, 2> revisions{
-        txtBox[0]->contentRevision(), txtBox[1]->contentRevision()};
-    if (revisions != comparedRevisions) {
-        diffs = SeqDiff::FindDifferences(*txtBox[0]->snapshot(), *txtBox[1]->snapshot());
-        initTops();
-        comparedRevisions = revisions;
+    const Comparison::Revisions now = revisions();
+    if (now == comparedRevisions) {
+        // A read that failed, or gave the same text: the bands on record still hold.
+        if (panesLoading == 0)
+            bandsHidden = false;
+        scrolTop = {0, 0};
+    } else if (now != comparison->running()) {
+        comparison->start(txtBox[0]->snapshot(), txtBox[1]->snapshot(), now);
+        noticeWaiting();
     }
+}
+
+// Records for texts that have changed since are dropped. The rest is what a tick does after
+// comparing: the first difference made current when that is due, the new bands drawn.
+void DiffWin::takeResult(
+    Comparison::Revisions compared, std::shared_ptr<Comparison::Records> records)
+{
+    if (compared != revisions())
+        return;
+    waitNotice->stop();
+    waitingLong = false;
+    bandsHidden = false;
+    diffs = std::move(*records);
+    initTops();
+    comparedRevisions = compared;
     scrolTop = {0, 0};
+    if (onlyFirst) {
+        onlyFirst = false;
+        makeFirstCurrent();
+    }
+    updateFilm();
+    curDiffNum0 = curDiffNum;
+    emit this->compared();
+}
+
+QString DiffWin::totalText() const
+{
+    if (waitingLong && !resultIsCurrent())
+        return kWaitingTotal;
+    if (!comparedRevisions || bandsHidden)
+        return QString();
+    return QString::number(diffs.size());
+}
+
+bool DiffWin::mayClaimSame() const
+{
+    return comparedRevisions && !bandsHidden && (resultIsCurrent() || !waitingLong);
+}
+
+void DiffWin::hideBands()
+{
+    bandsHidden = true;
+    updateFilm();
+}
+
+void DiffWin::noticeWaiting()
+{
+    if (!waitNotice->isActive() && !waitingLong)
+        waitNotice->start();
+}
+
+void DiffWin::showWaiting()
+{
+    if (resultIsCurrent())
+        return;
+    waitingLong = true;
+    DiffTotal->setText(totalText());
+    SameFilm->setVisible(SameFilm->isVisible() && mayClaimSame());
 }
 
 void DiffWin::initTops()

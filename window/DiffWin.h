@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Comparison.h"
 #include "Difference.h"
 #include "HitTest.h"
 #include "TextEncoding.h"
@@ -7,9 +8,12 @@
 
 #include <array>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
+
+class QTimer;
 
 namespace toolkit {
 class BevelButton;
@@ -30,9 +34,12 @@ class DiffWin : public toolkit::Window
 public:
     DiffWin();
 
-    // Compares the panes as they stand now and keeps the result. A pair of texts that has not
-    // changed since the last comparison is not compared again: the result would be the same.
+    // Starts comparing the panes as they stand now; the result is kept, and drawn, when it comes
+    // back and the panes still hold the texts it was made from. A pair of texts that has been
+    // compared, or is being compared, is not compared again: the result would be the same.
     void compare();
+    // Whether `diffs` belongs to the texts on show.
+    bool resultIsCurrent() const { return comparedRevisions == revisions(); }
     void initTops();
     // Lays the panes and the indicator out for the window's width, then compares and redraws.
     void adjustSize();
@@ -101,6 +108,10 @@ public:
     bool noticeRefusals = false;
     bool echoNotices = false;
 
+signals:
+    // A comparison's result has been taken and drawn.
+    void compared();
+
 protected:
     void Event_Open() override;
     void Event_Close() override;
@@ -157,6 +168,23 @@ private:
     bool _HelpHelp_Action();
     bool _FileClose_Action();
 
-    // The panes' revisions at the last comparison.
-    std::optional<std::array<quint64, 2>> comparedRevisions;
+    Comparison::Revisions revisions() const;
+    void takeResult(Comparison::Revisions revisions, std::shared_ptr<Comparison::Records> records);
+    // What the counter and "All same!" may claim while a comparison is under way.
+    QString totalText() const;
+    bool mayClaimSame() const;
+    // From now on, or soon, the counter and "All same!" wait for the next result.
+    void noticeWaiting();
+    void showWaiting();
+
+    // The panes' revisions at the last comparison taken.
+    std::optional<Comparison::Revisions> comparedRevisions;
+    Comparison* comparison = nullptr;
+    // Shows, once a comparison has taken long enough to notice, that the counter is not up to date.
+    QTimer* waitNotice = nullptr;
+    bool waitingLong = false;
+    // A pane is taking a new text: the bands of the old ones would point at the wrong lines.
+    void hideBands();
+    bool bandsHidden = false;
+    int panesLoading = 0;
 };

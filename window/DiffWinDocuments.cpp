@@ -18,13 +18,20 @@
 #include "globals.h"
 
 #include <QFile>
+#include <QScopeGuard>
 #include <QTextCursor>
 #include <QTextDocument>
+#include <QTimer>
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cstdio>
+#include <exception>
+#include <functional>
+#include <stop_token>
 #include <string_view>
+#include <thread>
 
 using toolkit::BevelButton;
 using toolkit::DragItem;
@@ -70,18 +77,60 @@ bool draws(const DragItem& item, const std::array<std::u16string_view, N>& kinds
     return isStyledKind(ext) || !file.IsFolder();
 }
 
-// Between two pieces of a long read: events run, and Esc or quitting ends the read.
-bool keepReading()
-{
-    QCoreApplication::processEvents();
-    return !toolkit::Keyboard::AsyncKeyDown(toolkit::Keyboard::kEscape)
-        && !toolkit::Application::quitting();
-}
-
 // A tap of Esc before a read began is not meant for it; a key held down still counts.
 void forgetEarlierEsc()
 {
     toolkit::Keyboard::AsyncKeyDown(toolkit::Keyboard::kEscape);
+}
+
+bool escOrQuit()
+{
+    return toolkit::Keyboard::AsyncKeyDown(toolkit::Keyboard::kEscape)
+        || toolkit::Application::quitting();
+}
+
+// Between two pieces of a long read on the window's own thread: events run, and Esc or
+// quitting ends the read.
+bool keepReading()
+{
+    QCoreApplication::processEvents();
+    return !escOrQuit();
+}
+
+// Runs `work` on a thread of its own while the window goes on answering events, and returns
+// when it has ended. Esc or quitting asks it to stop; `show` runs between events, to show how
+// far it has come. Esc held down before the start still lets the work's first piece in.
+void workAside(
+    const std::function<void(std::stop_token)>& work, const std::function<void()>& show = [] {})
+{
+    std::stop_source stop;
+    if (escOrQuit())
+        stop.request_stop();
+    std::atomic<bool> done = false;
+    std::exception_ptr failure;
+    std::jthread worker([&] {
+        try {
+            work(stop.get_token());
+        } catch (...) {
+            failure = std::current_exception();
+        }
+        done = true;
+        // Wakes the loop below.
+        QMetaObject::invokeMethod(
+            qApp, [] {}, Qt::QueuedConnection);
+    });
+    // Wakes it now and then to show the progress.
+    QTimer pulse;
+    pulse.start(50);
+    while (!done) {
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        if (escOrQuit())
+            stop.request_stop();
+        show();
+    }
+    // As if the work had been done here.
+    if (failure)
+        std::rethrow_exception(failure);
 }
 
 const QString kProgressCaption = QStringLiteral("読込み中（Escキーで中断可）");
@@ -118,6 +167,9 @@ void DiffWin::setTextBox(FolderItem file, int index, TextArea* pane, BevelButton
 
 void DiffWin::readStyled(const FolderItem& file, int index, TextArea* pane, const QString& ext)
 {
+    ++panesLoading;
+    const auto loaded = qScopeGuard([this] { --panesLoading; });
+    hideBands();
     pane->setText(QString());
     QTextDocument* doc = pane->StyledText();
     titleBox[index]->setCaption(kProgressCaption);
@@ -137,7 +189,8 @@ void DiffWin::readStyled(const FolderItem& file, int index, TextArea* pane, cons
         refused(file, globals::kNoticeUnreadable());
     if (read.picturesLeftOut)
         notice(globals::kNoticePictures().arg(file.DisplayName()));
-    SameFilm->setVisible(txtBox[0]->StyledText() == txtBox[1]->StyledText());
+    // Two documents are never one and the same.
+    SameFilm->setVisible(false);
     TELabel[index]->setText(QStringLiteral("RichText(") + ext + QLatin1Char(')'));
     TEBMenu[index]->setVisible(false);
 }
@@ -156,15 +209,35 @@ void DiffWin::readPlain(const FolderItem& file, int index, TextArea* pane, Bevel
     text.reserve(std::size_t(std::min<std::uint64_t>(stream.sizeAtOpen(), text.max_size())));
     title->setCaption(kProgressCaption);
     title->repaint();
+    ++panesLoading;
+    const auto loaded = qScopeGuard([this] { --panesLoading; });
+    hideBands();
     forgetEarlierEsc();
-    std::array<char, 1024> chunk;
-    for (;;) {
-        if (stream.atEnd())
-            break;
-        text.append(chunk.data(), stream.read(chunk.data(), chunk.size()));
-        if (!keepReading())
-            break;
-    }
+    std::atomic<std::uint64_t> taken = 0;
+    int shownPercent = -1;
+    const auto showProgress = [&] {
+        if (stream.sizeAtOpen() == 0)
+            return;
+        const int percent = int(taken * 100 / stream.sizeAtOpen());
+        if (percent != shownPercent)
+            title->setCaption(kProgressCaption + QStringLiteral(" %1%").arg(percent));
+        shownPercent = percent;
+    };
+    // Off the window's thread; the chunk bounds the time until Esc is noticed.
+    workAside(
+        [&](std::stop_token stop) {
+            std::array<char, 1024> chunk;
+            while (!stream.atEnd()) {
+                text.append(chunk.data(), stream.read(chunk.data(), chunk.size()));
+                taken = text.size();
+                if (stop.stop_requested())
+                    break;
+            }
+        },
+        showProgress);
+    // Nor is the text of a read that quitting stopped worth showing.
+    if (toolkit::Application::quitting())
+        return;
     // A file that fails part way is left unread, as one that can't be opened.
     if (!stream.error().empty())
         return refused(file, globals::kNoticeUnreadable());
@@ -198,17 +271,19 @@ void DiffWin::setTxEnc(int index)
 {
     const std::string& bytes = textClone[index];
     const documents::TextEncoding encoding = TE[size_t(encodingMode[index])];
-    // Decoded straight into the string the pane takes: one copy of a large text less.
-    QString text(qsizetype(documents::maxDecodedLength(encoding, bytes.size())), Qt::Uninitialized);
-    text.resize(
-        qsizetype(documents::decode(encoding, bytes, reinterpret_cast<char16_t*>(text.data()))));
-    // A long text takes the pane seconds to lay in: events keep running meanwhile, and Esc
-    // keeps what is in so far.
-    forgetEarlierEsc();
-    txtBox[index]->setText(text, keepReading);
+    toolkit::PreparedText prepared;
+    // Off the window's thread, which then only hands the lines to the pane: a large text takes
+    // seconds to decode and cut into lines.
+    workAside([&](std::stop_token) {
+        QString text(
+            qsizetype(documents::maxDecodedLength(encoding, bytes.size())), Qt::Uninitialized);
+        text.resize(qsizetype(
+            documents::decode(encoding, bytes, reinterpret_cast<char16_t*>(text.data()))));
+        prepared = TextArea::prepare(std::move(text));
+    });
+    txtBox[index]->setText(prepared);
     txtBox[index]->setTextFont(QStringLiteral("System"));
-    SameFilm->setVisible(
-        txtBox[0]->document()->characterCount() == txtBox[1]->document()->characterCount()
+    SameFilm->setVisible(txtBox[0]->TextLength() == txtBox[1]->TextLength()
         && txtBox[0]->Text() == txtBox[1]->Text());
 }
 

@@ -16,7 +16,8 @@ public:
     {
         return pane.CharacterPosition(x, y);
     }
-    int Height() const override { return pane.height(); }
+    // Rows behind the horizontal scroll bar show no line.
+    int Height() const override { return pane.TextTop() + pane.TextHeight(); }
 
 private:
     const toolkit::TextArea& pane;

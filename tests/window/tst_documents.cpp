@@ -5,6 +5,7 @@
 #include "Label.h"
 #include "NoticeBar.h"
 #include "Rectangle.h"
+#include "Style.h"
 #include "TextArea.h"
 #include "Timer.h"
 #include "globals.h"
@@ -17,6 +18,7 @@
 #include <QTimer>
 #include <QUrl>
 
+#include <algorithm>
 #include <sys/stat.h>
 
 namespace {
@@ -269,9 +271,11 @@ void TstDocuments::escStopsTheRead_data()
 {
     QTest::addColumn<int>("size");
     QTest::addColumn<int>("escAfterChunks"); // 0: held down before the read
-    QTest::addColumn<int>("expected");
+    QTest::addColumn<int>("expected"); // -1: some chunks, not all
     QTest::newRow("held down: one chunk still comes in") << 5000 << 0 << 1024;
-    QTest::newRow("pressed during the read") << 100000 << 3 << 3 * 1024;
+    // Long enough to be under way when the key comes.
+    // A gigabyte of holes: far longer to read than the key takes to come, with no disk used.
+    QTest::newRow("pressed during the read") << (1 << 30) << 1 << -1;
     QTest::newRow("never pressed, 1024 bytes") << 1024 << -1 << 1024;
     QTest::newRow("never pressed, 1025 bytes") << 1025 << -1 << 1025;
 }
@@ -282,7 +286,8 @@ void TstDocuments::escStopsTheRead()
     QFETCH(int, escAfterChunks);
     QFETCH(int, expected);
     Files files;
-    const QString path = files.write("big.txt", QByteArray(size, 'x'));
+    const QString path = files.write("big.txt", QByteArray(std::min(size, 5000), 'x'));
+    QFile(path).resize(size);
     DiffWin* w = window();
     QString caption;
     int chunks = 0;
@@ -300,30 +305,30 @@ void TstDocuments::escStopsTheRead()
     spy.stop();
     QKeyEvent up(QEvent::KeyRelease, Qt::Key_Escape, Qt::NoModifier);
     QCoreApplication::sendEvent(qApp, &up);
-    QCOMPARE(int(w->textClone[0].size()), expected);
-    QCOMPARE(w->txtBox[0]->Text().size(), expected);
-    QCOMPARE(caption, QStringLiteral("読込み中（Escキーで中断可）"));
+    const int got = int(w->textClone[0].size());
+    if (expected < 0)
+        QVERIFY(got > 0 && got < size && got % 1024 == 0);
+    else
+        QCOMPARE(got, expected);
+    QCOMPARE(w->txtBox[0]->Text().size(), got);
+    QVERIFY(caption.startsWith(QStringLiteral("読込み中（Escキーで中断可）")));
     QCOMPARE(w->titleBox[0]->Caption(), QStringLiteral("big.txt"));
 }
 
 void TstDocuments::aFileChangingWhileReadEnds_data()
 {
     QTest::addColumn<int>("newSize");
-    QTest::addColumn<int>("expected");
-    QTest::addColumn<QString>("notice");
+    QTest::addColumn<int>("least"); // the read may pass a cut before it comes
     // Taken up to its size at opening, so a file being written to still ends; one that was cut
     // is shown as far as it goes, and the user is told.
-    QTest::newRow("grows") << 50000 << 5000 << "";
-    QTest::newRow("shrinks") << 2000 << 2000
-                             << "changing.txt became shorter while it was read: only the part "
-                                "that was there is shown.";
+    QTest::newRow("grows") << 50000 << 5000;
+    QTest::newRow("shrinks") << 2000 << 2000;
 }
 
 void TstDocuments::aFileChangingWhileReadEnds()
 {
     QFETCH(int, newSize);
-    QFETCH(int, expected);
-    QFETCH(QString, notice);
+    QFETCH(int, least);
     Files files;
     const QString path = files.write("changing.txt", QByteArray(5000, 'x'));
     DiffWin* w = window();
@@ -338,8 +343,14 @@ void TstDocuments::aFileChangingWhileReadEnds()
     });
     between.start(0);
     load(w, path);
-    QCOMPARE(w->textClone[0], std::string(std::size_t(expected), 'x'));
-    QCOMPARE(w->noticeBar ? w->noticeBar->text() : QString(), notice);
+    const std::string got = w->textClone[0];
+    QVERIFY(got.size() >= std::size_t(least) && got.size() <= 5000);
+    QCOMPARE(got, std::string(got.size(), 'x'));
+    const QString cut = got.size() < 5000
+        ? QStringLiteral("changing.txt became shorter while it was read: only the part that was "
+                         "there is shown.")
+        : QString();
+    QCOMPARE(w->noticeBar && !w->noticeBar->isHidden() ? w->noticeBar->text() : QString(), cut);
     // The next good read takes the notice away.
     load(w, files.write("good.txt", "good"));
     QVERIFY(!w->noticeBar || w->noticeBar->isHidden());
@@ -372,6 +383,7 @@ void TstDocuments::encodings()
     QVERIFY(w->SameFilm->isVisibleTo(w));
     emit w->Timer2->Action();
     emit w->Timer1->Action();
+    QTRY_VERIFY_WITH_TIMEOUT(w->resultIsCurrent(), 5000);
     QVERIFY(w->diffs.empty());
     QVERIFY(w->SameFilm->isVisibleTo(w));
 
@@ -386,7 +398,11 @@ void TstDocuments::styledTextHidesThePopupUntilAPlainFile()
     DiffWin* w = window();
     w->TEBMenu[1]->setMenuValue(1);
     emit w->TEBMenu[1]->Action();
-    load(w, files.write("doc.rtf", "{\\rtf1\\ansi {\\b Bold} text\\par}"), 1);
+    // Red and large: none of it may reach the plain file that follows.
+    load(w,
+        files.write("doc.rtf",
+            "{\\rtf1\\ansi{\\colortbl;\\red255\\green0\\blue0;}\\cf1\\fs48 {\\b Bold} text\\par}"),
+        1);
     QCOMPARE(w->txtBox[1]->Text(), QStringLiteral("Bold text\n"));
     QCOMPARE(w->TELabel[1]->text(), QStringLiteral("RichText(RTF)"));
     QVERIFY(w->TEBMenu[1]->isHidden());
@@ -410,6 +426,20 @@ void TstDocuments::styledTextHidesThePopupUntilAPlainFile()
     QCOMPARE(w->TELabel[1]->text(), QStringLiteral("Text encoding:"));
     QCOMPARE(w->encodingMode[1], 0);
     QCOMPARE(w->txtBox[1]->Text(), QStringLiteral("café\n"));
+    QCOMPARE(w->txtBox[1]->LineHeight(), QFontMetrics(toolkit::systemFont()).lineSpacing());
+    const QImage shown = w->txtBox[1]->grab().toImage();
+    for (int y = 0; y < shown.height(); ++y) {
+        for (int x = 0; x < shown.width(); ++x) {
+            const QColor c = shown.pixelColor(x, y);
+            QVERIFY2(
+                c.red() < 2 * c.green() + 60, qPrintable(QStringLiteral("%1, %2").arg(x).arg(y)));
+        }
+    }
+
+    // Every break a styled text shows ends a compared line, a line break as well as a paragraph.
+    load(w, files.write("lines.rtf", "{\\rtf1\\ansi one\\line two\\par three}"), 0);
+    QCOMPARE(w->txtBox[0]->Lines(), (QStringList{"one", "two", "three"}));
+    QCOMPARE(w->txtBox[0]->CharacterPosition(2), 9);
 }
 
 void TstDocuments::clearAll()

@@ -1,0 +1,288 @@
+#include "LineStore.h"
+
+#include "LineSource.h"
+
+#include <algorithm>
+#include <cassert>
+
+namespace toolkit {
+
+namespace {
+
+// A block grows to about this many UTF-16 units, a line longer than that making one of its own:
+// small enough that an edit copies little, large enough that a 200 MB text has few blocks.
+constexpr qsizetype kBlockSize = 16 * 1024;
+
+// Calls line(start, end) for each line of d[from, to), `end` past its break. The piece after the
+// last break is a line only when `last` says the text ends there.
+template <class F>
+void forEachLine(const char16_t* d, qsizetype from, qsizetype to, bool last, F line)
+{
+    qsizetype start = from;
+    for (qsizetype i = from; i < to; ++i) {
+        const char16_t c = d[i];
+        if (c > u'\r' || (c != u'\r' && c != u'\n'))
+            continue;
+        if (c == u'\r' && i + 1 < to && d[i + 1] == u'\n')
+            ++i;
+        line(start, i + 1);
+        start = i + 1;
+    }
+    if (last)
+        line(start, to);
+    else
+        assert(start == to);
+}
+
+// Cuts lines into blocks that share one buffer.
+class BlockMaker
+{
+public:
+    BlockMaker(const QString& buffer, std::vector<std::shared_ptr<const LineBlock>>& out)
+        : buffer(buffer)
+        , out(out)
+    {
+    }
+    ~BlockMaker() { flush(); }
+    void add(qsizetype start, qsizetype end, const std::uint64_t* keptHash = nullptr)
+    {
+        if (!block) {
+            block = std::make_shared<LineBlock>();
+            block->buffer = buffer;
+            block->from = start;
+        }
+        block->starts.push_back(std::uint32_t(start - block->from));
+        block->size = end - block->from;
+        block->hashes.push_back(
+            keptHash ? *keptHash : SeqDiff::lineHash(block->line(block->lineCount() - 1)));
+        if (block->size >= kBlockSize)
+            flush();
+    }
+
+private:
+    void flush()
+    {
+        if (block)
+            out.push_back(std::move(block));
+        block.reset();
+    }
+    const QString& buffer;
+    std::vector<std::shared_ptr<const LineBlock>>& out;
+    std::shared_ptr<LineBlock> block;
+};
+
+} // namespace
+
+std::u16string_view LineBlock::line(std::size_t k) const
+{
+    const char16_t* d = data();
+    std::size_t end = lineEnd(k);
+    const std::size_t start = starts[k];
+    if (end > start && d[end - 1] == u'\n')
+        --end;
+    if (end > start && d[end - 1] == u'\r')
+        --end;
+    return {d + start, end - start};
+}
+
+LineStore::LineStore(QString text)
+    : LineStore(text, text.size())
+{
+}
+
+LineStore::LineStore(const QString& text, qsizetype to)
+{
+    {
+        BlockMaker maker(text, blocks);
+        const auto* d = reinterpret_cast<const char16_t*>(text.constData());
+        forEachLine(d, 0, to, true, [&](qsizetype s, qsizetype e) { maker.add(s, e); });
+    }
+    reindex();
+}
+
+void LineStore::extendTo(const QString& text, qsizetype to)
+{
+    const LineBlock& last = *blocks.back();
+    if (last.buffer.constData() != text.constData() || last.from + last.size != size()) {
+        replace(size(), size(), QStringView(text).sliced(size(), to - size()));
+        return;
+    }
+    // The last block ends with the text's last line so far, whose break may be still to come.
+    const qsizetype from = last.from;
+    blocks.pop_back();
+    {
+        BlockMaker maker(text, blocks);
+        const auto* d = reinterpret_cast<const char16_t*>(text.constData());
+        forEachLine(d, from, to, true, [&](qsizetype s, qsizetype e) { maker.add(s, e); });
+    }
+    reindex();
+}
+
+void LineStore::reindex()
+{
+    firstLine.resize(blocks.size() + 1);
+    firstChar.resize(blocks.size() + 1);
+    qsizetype lines = 0;
+    qsizetype chars = 0;
+    for (std::size_t b = 0; b < blocks.size(); ++b) {
+        firstLine[b] = lines;
+        firstChar[b] = chars;
+        lines += qsizetype(blocks[b]->lineCount());
+        chars += blocks[b]->size;
+    }
+    firstLine.back() = lines;
+    firstChar.back() = chars;
+}
+
+LineStore::Place LineStore::placeOfLine(qsizetype i) const
+{
+    const auto it = std::upper_bound(firstLine.begin(), firstLine.end() - 1, i);
+    const std::size_t b = std::size_t(it - firstLine.begin()) - 1;
+    return {b, std::size_t(i - firstLine[b])};
+}
+
+std::u16string_view LineStore::line(qsizetype i) const
+{
+    const Place p = placeOfLine(i);
+    return blocks[p.block]->line(p.line);
+}
+
+std::uint64_t LineStore::lineHash(qsizetype i) const
+{
+    const Place p = placeOfLine(i);
+    const LineBlock& b = *blocks[p.block];
+    return p.line == b.unhashed ? SeqDiff::lineHash(b.line(p.line)) : b.hashes[p.line];
+}
+
+qsizetype LineStore::lineStart(qsizetype i) const
+{
+    if (i >= lineCount())
+        return size();
+    const Place p = placeOfLine(std::max<qsizetype>(i, 0));
+    return firstChar[p.block] + qsizetype(blocks[p.block]->starts[p.line]);
+}
+
+qsizetype LineStore::lineEnd(qsizetype i) const
+{
+    const Place p = placeOfLine(i);
+    const LineBlock& b = *blocks[p.block];
+    return firstChar[p.block] + (b.line(p.line).data() - b.data())
+        + qsizetype(b.line(p.line).size());
+}
+
+qsizetype LineStore::lineAt(qsizetype position) const
+{
+    position = std::clamp<qsizetype>(position, 0, size());
+    auto it = std::upper_bound(firstChar.begin(), firstChar.end() - 1, position);
+    std::size_t b = std::size_t(it - firstChar.begin()) - 1;
+    const LineBlock& block = *blocks[b];
+    const auto within = std::uint32_t(position - firstChar[b]);
+    const auto k = std::upper_bound(block.starts.begin(), block.starts.end(), within);
+    return firstLine[b] + qsizetype(k - block.starts.begin()) - 1;
+}
+
+char16_t LineStore::at(qsizetype position) const
+{
+    auto it = std::upper_bound(firstChar.begin(), firstChar.end() - 1, position);
+    const std::size_t b = std::size_t(it - firstChar.begin()) - 1;
+    return blocks[b]->data()[position - firstChar[b]];
+}
+
+QString LineStore::text(qsizetype from, qsizetype to) const
+{
+    QString out;
+    appendText(out, from, to);
+    return out;
+}
+
+void LineStore::appendText(QString& out, qsizetype from, qsizetype to) const
+{
+    from = std::clamp<qsizetype>(from, 0, size());
+    to = std::clamp<qsizetype>(to, from, size());
+    out.reserve(out.size() + to - from);
+    auto it = std::upper_bound(firstChar.begin(), firstChar.end() - 1, from);
+    for (std::size_t b = std::size_t(it - firstChar.begin()) - 1;
+         b < blocks.size() && firstChar[b] < to; ++b) {
+        const qsizetype s = std::max(from, firstChar[b]) - firstChar[b];
+        const qsizetype e = std::min(to, firstChar[b + 1]) - firstChar[b];
+        out.append(reinterpret_cast<const QChar*>(blocks[b]->data() + s), e - s);
+    }
+}
+
+// The lines from the one before `from` to the one holding `to` are cut again, so that a CR and
+// an LF that meet or part make the right breaks. Lines before and after them in the same blocks
+// keep their hashes.
+void LineStore::replace(qsizetype from, qsizetype to, QStringView with)
+{
+    from = std::clamp<qsizetype>(from, 0, size());
+    to = std::clamp<qsizetype>(to, from, size());
+    if (replaceInPlace(from, to, with))
+        return;
+    const qsizetype a = std::max<qsizetype>(lineAt(from) - 1, 0);
+    const qsizetype z = lineAt(to);
+    const Place pa = placeOfLine(a);
+    const Place pz = placeOfLine(z);
+    const LineBlock& first = *blocks[pa.block];
+    const LineBlock& last = *blocks[pz.block];
+    const qsizetype regionStart = lineStart(a);
+    const qsizetype regionEnd = firstChar[pz.block] + qsizetype(last.lineEnd(pz.line));
+    const qsizetype head = first.starts[pa.line];
+    const qsizetype tail = last.size - qsizetype(last.lineEnd(pz.line));
+
+    QString merged;
+    merged.reserve(head + (from - regionStart) + with.size() + (regionEnd - to) + tail);
+    merged.append(reinterpret_cast<const QChar*>(first.data()), head);
+    appendText(merged, regionStart, from);
+    merged.append(with);
+    appendText(merged, to, regionEnd);
+    const qsizetype regionNewEnd = merged.size();
+    merged.append(reinterpret_cast<const QChar*>(last.data() + last.lineEnd(pz.line)), tail);
+
+    std::vector<std::shared_ptr<const LineBlock>> made;
+    {
+        BlockMaker maker(merged, made);
+        const auto kept = [](const LineBlock& b, std::size_t k) {
+            return k == b.unhashed ? nullptr : &b.hashes[k];
+        };
+        for (std::size_t k = 0; k < pa.line; ++k)
+            maker.add(first.starts[k], qsizetype(first.lineEnd(k)), kept(first, k));
+        const bool atEnd = pz.block + 1 == blocks.size() && pz.line + 1 == last.lineCount();
+        const auto* d = reinterpret_cast<const char16_t*>(merged.constData());
+        forEachLine(
+            d, head, regionNewEnd, atEnd, [&](qsizetype s, qsizetype e) { maker.add(s, e); });
+        const qsizetype shift = regionNewEnd - qsizetype(last.lineEnd(pz.line));
+        for (std::size_t k = pz.line + 1; k < last.lineCount(); ++k)
+            maker.add(last.starts[k] + shift, qsizetype(last.lineEnd(k)) + shift, kept(last, k));
+    }
+    blocks.erase(blocks.begin() + qsizetype(pa.block), blocks.begin() + qsizetype(pz.block) + 1);
+    blocks.insert(blocks.begin() + qsizetype(pa.block), made.begin(), made.end());
+    reindex();
+}
+
+// An edit within one line's characters, in a block that nothing else holds (no snapshot, no
+// other block on its buffer), is made in that block: no copy of a long line on every key.
+bool LineStore::replaceInPlace(qsizetype from, qsizetype to, QStringView with)
+{
+    const qsizetype line = lineAt(from);
+    if (to > lineEnd(line) || with.contains(u'\r') || with.contains(u'\n'))
+        return false;
+    const Place p = placeOfLine(line);
+    const std::shared_ptr<const LineBlock>& shared = blocks[p.block];
+    if (shared.use_count() != 1 || !shared->buffer.isDetached())
+        return false;
+    // Made as a LineBlock and held by this store alone.
+    auto* b = const_cast<LineBlock*>(shared.get());
+    const qsizetype delta = with.size() - (to - from);
+    b->buffer.replace(b->from + (from - firstChar[p.block]), to - from, with.toString());
+    b->size += delta;
+    for (std::size_t k = p.line + 1; k < b->lineCount(); ++k)
+        b->starts[k] = std::uint32_t(qsizetype(b->starts[k]) + delta);
+    if (b->unhashed != p.line && b->unhashed < b->lineCount())
+        b->hashes[b->unhashed] = SeqDiff::lineHash(b->line(b->unhashed));
+    b->unhashed = p.line;
+    for (std::size_t k = p.block + 1; k < firstChar.size(); ++k)
+        firstChar[k] += delta;
+    return true;
+}
+
+} // namespace toolkit

@@ -1,0 +1,85 @@
+#pragma once
+
+#include <QString>
+
+#include <cstdint>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+namespace toolkit {
+
+// Whole lines of a text, each with its break, and each line's hash. Never changed once made, so
+// stores and their snapshots share them.
+struct LineBlock
+{
+    QString buffer; // often the whole text a store was made from, shared by many blocks
+    qsizetype from = 0;
+    qsizetype size = 0;
+    std::vector<std::uint32_t> starts; // of each line, counted from `from`
+    std::vector<std::uint64_t> hashes;
+    // A line edited in place since its hash was taken: its hash is taken when asked for, by
+    // whoever reads it, so that typing in a very long line does not hash it on every key.
+    std::size_t unhashed = std::size_t(-1);
+
+    const char16_t* data() const
+    {
+        return reinterpret_cast<const char16_t*>(buffer.constData()) + from;
+    }
+    std::size_t lineCount() const { return starts.size(); }
+    std::size_t lineEnd(std::size_t k) const // past the break
+    {
+        return k + 1 < starts.size() ? starts[k + 1] : std::size_t(size);
+    }
+    std::u16string_view line(std::size_t k) const; // without its break
+};
+
+// A plain text as lines: CR, LF and CR LF end a line, and no other character does. Positions are
+// UTF-16 offsets from the start of the text. Copies cost one pointer per block and share the
+// blocks, which an edit replaces rather than changes.
+class LineStore
+{
+public:
+    LineStore()
+        : LineStore(QString())
+    {
+    }
+    // Safe on any thread. Blocks keep views of `text` rather than a copy.
+    explicit LineStore(QString text);
+    // The lines of text's first `to` units, or up to `to` once more of the same text has come
+    // (a text taken in by slices); blocks keep views of `text` rather than a copy.
+    LineStore(const QString& text, qsizetype to);
+    void extendTo(const QString& text, qsizetype to);
+
+    qsizetype size() const { return firstChar.back(); }
+    qsizetype lineCount() const { return qsizetype(firstLine.back()); }
+    std::u16string_view line(qsizetype i) const;
+    std::uint64_t lineHash(qsizetype i) const;
+    qsizetype lineStart(qsizetype i) const; // size() for i == lineCount()
+    qsizetype lineEnd(qsizetype i) const; // where its break begins
+    // The line that holds `position`; a position on a break belongs to the line the break ends.
+    qsizetype lineAt(qsizetype position) const;
+    char16_t at(qsizetype position) const;
+    QString text(qsizetype from, qsizetype to) const;
+    QString text() const { return text(0, size()); }
+    void appendText(QString& out, qsizetype from, qsizetype to) const;
+
+    // Replaces [from, to) by `with`. Only the lines the change reaches get new blocks and hashes.
+    void replace(qsizetype from, qsizetype to, QStringView with);
+
+private:
+    struct Place
+    {
+        std::size_t block;
+        std::size_t line; // within the block
+    };
+    Place placeOfLine(qsizetype i) const;
+    bool replaceInPlace(qsizetype from, qsizetype to, QStringView with);
+    void reindex();
+
+    std::vector<std::shared_ptr<const LineBlock>> blocks;
+    std::vector<qsizetype> firstLine; // per block, and the total at the end
+    std::vector<qsizetype> firstChar;
+};
+
+} // namespace toolkit

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "LineStore.h"
+
+#include <memory>
+
+namespace toolkit {
+
+class TextArea;
+
+// A text made ready for a pane on any thread (TextArea::prepare): its lines cut and hashed, so
+// that handing it to the pane on the UI thread costs next to nothing. Copies share the work.
+class PreparedText
+{
+public:
+    PreparedText() = default;
+
+private:
+    friend class TextArea;
+    explicit PreparedText(LineStore lines)
+        : lines(std::make_shared<const LineStore>(std::move(lines)))
+    {
+    }
+    std::shared_ptr<const LineStore> lines;
+};
+
+} // namespace toolkit
