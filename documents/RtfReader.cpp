@@ -46,9 +46,10 @@ constexpr double kTwipsPerPixel = 15.0; // 1440 an inch at 96 pixels an inch
 constexpr double kMaxShownPixels = kMaxTwips / kTwipsPerPixel;
 constexpr int kMaxUnicodeSkip = 16;
 constexpr std::size_t kCachedFormats = 32;
-// Laying out a paragraph costs more than linear time in its format changes: past this many,
-// the rest of the paragraph keeps the format it has.
-constexpr int kMaxRunsPerParagraph = 512;
+// Laying out a line costs more than linear time in its format changes: past this many, the rest
+// of the line keeps the format it has. Counted per shown line, not per paragraph: code exports
+// break their lines with \line and colour every word.
+constexpr int kMaxRunsPerLine = 512;
 constexpr int kPlaceholderSize = 32;
 // How much input is read between two calls of the progress callback.
 constexpr std::size_t kProgressStep = std::size_t(64) << 10;
@@ -244,7 +245,7 @@ private:
     QHash<QByteArray, Loaded> byPath;
     QHash<QByteArray, Loaded> byContent;
     QString placeholderResource;
-    int runsInParagraph = 0;
+    int runsInLine = 0;
 
     std::string bytes; // text bytes not decoded yet: a double-byte character can span escapes
     QString run;
@@ -762,7 +763,7 @@ void Reader::emitText(QStringView text)
     }
     if (text.isEmpty() || st.chars.hidden)
         return;
-    if (st.chars != runProps && runsInParagraph < kMaxRunsPerParagraph) {
+    if (st.chars != runProps && runsInLine < kMaxRunsPerLine) {
         flushRun();
         runProps = st.chars;
     }
@@ -771,6 +772,8 @@ void Reader::emitText(QStringView text)
         cellPending = false;
     }
     run += text;
+    if (text.contains(QChar::LineSeparator))
+        runsInLine = 0;
     paragraphHasContent = true;
     contentPara = st.para;
 }
@@ -790,7 +793,7 @@ void Reader::flushRun()
     }
     cursor.insertText(run, charFormat(runProps));
     run.clear();
-    ++runsInParagraph;
+    ++runsInLine;
 }
 
 void Reader::paragraph()
@@ -803,7 +806,7 @@ void Reader::paragraph()
     cursor.setBlockFormat(format);
     cursor.insertBlock(format, charFormat(st.chars));
     paragraphHasContent = false;
-    runsInParagraph = 0;
+    runsInLine = 0;
 }
 
 void Reader::cell()
