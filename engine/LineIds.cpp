@@ -162,20 +162,35 @@ std::array<LineIds, 2> intern(std::span<const View> a, std::span<const View> b)
 class SourceInterner
 {
 public:
-    SourceInterner(const LineSource& a, const LineSource& b, StopCheck& stop)
+    // Sized for `lines` distinct lines up to a million; beyond, it grows.
+    SourceInterner(const LineSource& a, const LineSource& b, std::size_t lines, StopCheck& stop)
         : sources{&a, &b}
         , stop(stop)
     {
-        slots.assign(1024, Slot{0, 0});
+        lines = std::min<std::size_t>(lines, 1 << 20);
+        std::size_t capacity = 1024;
+        while (capacity < lines + lines / 4)
+            capacity *= 2;
+        slots.assign(capacity, Slot{0, 0});
     }
 
     void intern(int side, std::size_t from, std::size_t to, LineIds& ids)
     {
+        // A few hashes ahead are read and their slots fetched early, as the table is larger
+        // than the cache.
+        constexpr std::size_t ahead = 16;
+        std::uint64_t hashes[ahead];
         const LineSource& source = *sources[side];
         ids.reserve(to - from);
-        for (std::size_t i = from; i < to; ++i) {
-            stop();
-            ids.push_back(idOf(side, i, source.lineHash(i)));
+        for (std::size_t i = from; i < to; i += ahead) {
+            const std::size_t count = std::min(ahead, to - i);
+            stop(std::int64_t(count));
+            for (std::size_t j = 0; j < count; ++j) {
+                hashes[j] = source.lineHash(i + j);
+                __builtin_prefetch(&slots[hashes[j] & (slots.size() - 1)]);
+            }
+            for (std::size_t j = 0; j < count; ++j)
+                ids.push_back(idOf(side, i + j, hashes[j]));
         }
     }
 
@@ -304,7 +319,7 @@ std::array<LineIds, 2> internTextLines(std::string_view a, std::string_view b, s
 std::array<LineIds, 2> internLines(const LineSource& a, std::size_t aFrom, std::size_t aTo,
     const LineSource& b, std::size_t bFrom, std::size_t bTo, StopCheck& stop)
 {
-    SourceInterner table(a, b, stop);
+    SourceInterner table(a, b, (aTo - aFrom) + (bTo - bFrom), stop);
     std::array<LineIds, 2> ids;
     table.intern(0, aFrom, aTo, ids[0]);
     table.intern(1, bFrom, bTo, ids[1]);
