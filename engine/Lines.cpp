@@ -118,4 +118,21 @@ bool LineCursor::next(std::string_view& line)
     return true;
 }
 
+bool LineCursor::skip(std::string_view line)
+{
+    if (done || text.size() - pos < line.size() || text.compare(pos, line.size(), line) != 0)
+        return false;
+    const std::size_t end = pos + line.size();
+    if (end == text.size()) {
+        pos = end;
+        done = true;
+        return true;
+    }
+    const std::size_t ending = endingAt(text, end);
+    if (ending == 0)
+        return false;
+    pos = end + ending;
+    return true;
+}
+
 } // namespace SeqDiff

@@ -27,6 +27,8 @@ public:
 
     // The next line; false after the last one.
     bool next(std::string_view& line);
+    // Steps past the next line if it is `line`; false, without moving, when it is not.
+    bool skip(std::string_view line);
     // Where the line after the last one returned starts.
     std::size_t offset() const { return pos; }
 
