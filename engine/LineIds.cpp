@@ -271,9 +271,7 @@ std::array<LineIds, 2> internTextLines(std::string_view a, std::string_view b, s
     Interner<std::string_view> table(guess);
     std::array<LineIds, 2> ids;
     // One line more than LF endings in the usual text: counted, to grow the arrays once.
-    const auto endings = [](std::string_view text) {
-        return std::size_t(std::count(text.begin(), text.end(), '\n')) + 1;
-    };
+    const auto endings = [](std::string_view text) { return countLineFeeds(text) + 1; };
     ids[0].reserve(std::max(endings(a), head) - head);
     ids[1].reserve(std::max(endings(b), head) - head);
     // Per id, where the line after its last place in a starts, and its number there.
