@@ -724,9 +724,9 @@ std::vector<std::int64_t> CommonSubsequence::find(Method method, const Limits& l
         // band. The greedy method's cost is only known by running it, so it runs first, allowed
         // about half the time of the cheaper other one (a step of it takes some 6 ns): it wins
         // whenever the texts are alike, and gives way when they are not, or when the band of
-        // twice the edits it has reached would already be cheaper. The threshold table keeps a link
-        // per new threshold, up to one per equal pair, so where that could outgrow the memory
-        // allowed it is not chosen.
+        // twice the edits it has reached would already be cheaper. The threshold table keeps a
+        // link per new threshold, up to one per equal pair, so where that could outgrow the
+        // memory allowed it is not chosen.
         std::uint64_t pairs = 0;
         for (Index c : ra)
             pairs += std::uint64_t(r.countB[std::size_t(c)]);

@@ -16,6 +16,7 @@ std::uint64_t hashBytes(const void* data, std::size_t size)
     constexpr std::uint64_t k1 = 0x9E3779B97F4A7C15ULL;
     constexpr std::uint64_t k2 = 0xC2B2AE3D27D4EB4FULL;
     auto p = static_cast<const unsigned char*>(data);
+    const bool longer = size >= 8;
     std::uint64_t h = size * k1;
     for (; size >= 8; p += 8, size -= 8) {
         std::uint64_t w;
@@ -24,8 +25,21 @@ std::uint64_t hashBytes(const void* data, std::size_t size)
         h = ((h ^ w ^ (w >> 31)) * k1);
     }
     if (size > 0) {
-        std::uint64_t w = 0;
-        std::memcpy(&w, p, size);
+        // The last bytes in whole loads, some read twice, rather than copied byte by byte,
+        // which stalls the load of the word they make. With the length in the hash, the bytes
+        // still decide the word.
+        std::uint64_t w;
+        if (longer) {
+            std::memcpy(&w, p + size - 8, 8);
+            w >>= 8 * (8 - size);
+        } else if (size >= 4) {
+            std::uint32_t low, high;
+            std::memcpy(&low, p, 4);
+            std::memcpy(&high, p + size - 4, 4);
+            w = low | std::uint64_t(high) << 32;
+        } else {
+            w = p[0] | std::uint64_t(p[size / 2]) << 8 | std::uint64_t(p[size - 1]) << 16;
+        }
         w *= k2;
         h = ((h ^ w ^ (w >> 31)) * k1);
     }
@@ -162,20 +176,35 @@ std::array<LineIds, 2> intern(std::span<const View> a, std::span<const View> b)
 class SourceInterner
 {
 public:
-    SourceInterner(const LineSource& a, const LineSource& b, StopCheck& stop)
+    // Sized for `lines` distinct lines up to a million; beyond, it grows.
+    SourceInterner(const LineSource& a, const LineSource& b, std::size_t lines, StopCheck& stop)
         : sources{&a, &b}
         , stop(stop)
     {
-        slots.assign(1024, Slot{0, 0});
+        lines = std::min<std::size_t>(lines, 1 << 20);
+        std::size_t capacity = 1024;
+        while (capacity < lines + lines / 4)
+            capacity *= 2;
+        slots.assign(capacity, Slot{0, 0});
     }
 
     void intern(int side, std::size_t from, std::size_t to, LineIds& ids)
     {
+        // A few hashes ahead are read and their slots fetched early, as the table is larger
+        // than the cache.
+        constexpr std::size_t ahead = 16;
+        std::uint64_t hashes[ahead];
         const LineSource& source = *sources[side];
         ids.reserve(to - from);
-        for (std::size_t i = from; i < to; ++i) {
-            stop();
-            ids.push_back(idOf(side, i, source.lineHash(i)));
+        for (std::size_t i = from; i < to; i += ahead) {
+            const std::size_t count = std::min(ahead, to - i);
+            stop(std::int64_t(count));
+            for (std::size_t j = 0; j < count; ++j) {
+                hashes[j] = source.lineHash(i + j);
+                __builtin_prefetch(&slots[hashes[j] & (slots.size() - 1)]);
+            }
+            for (std::size_t j = 0; j < count; ++j)
+                ids.push_back(idOf(side, i + j, hashes[j]));
         }
     }
 
@@ -238,13 +267,11 @@ std::array<LineIds, 2> internTextLines(std::string_view a, std::string_view b, s
 
     // Sized for a text of mostly distinct lines up to a million of them; beyond, it grows, so
     // that a text of many equal lines keeps it small.
-    const std::size_t guess = std::min<std::size_t>((a.size() + b.size()) / 16, 1 << 20);
+    const std::size_t guess = std::min<std::size_t>((a.size() + b.size()) / 64, 1 << 20);
     Interner<std::string_view> table(guess);
     std::array<LineIds, 2> ids;
     // One line more than LF endings in the usual text: counted, to grow the arrays once.
-    const auto endings = [](std::string_view text) {
-        return std::size_t(std::count(text.begin(), text.end(), '\n')) + 1;
-    };
+    const auto endings = [](std::string_view text) { return countLineFeeds(text) + 1; };
     ids[0].reserve(std::max(endings(a), head) - head);
     ids[1].reserve(std::max(endings(b), head) - head);
     // Per id, where the line after its last place in a starts, and its number there.
@@ -281,13 +308,10 @@ std::array<LineIds, 2> internTextLines(std::string_view a, std::string_view b, s
     // Most lines of b follow their twin in a: try the line after the last twin before hashing.
     const std::size_t linesA = ids[0].size();
     std::size_t nextIndex = 0;
-    LineCursor follow(a, startA);
-    std::string_view nextA;
-    bool hasNext = linesA > 0 && follow.next(nextA);
+    LineCursor follow(a, startA); // at line nextIndex of the rest of a
     for (; hasB; hasB = right.next(lineB)) {
-        if (hasNext && nextIndex < linesA && nextA == lineB) {
+        if (nextIndex < linesA && follow.skip(lineB)) {
             ids[1].push_back(ids[0][nextIndex++]);
-            hasNext = follow.next(nextA);
             continue;
         }
         const LineId id = table.idOf(lineB);
@@ -295,7 +319,6 @@ std::array<LineIds, 2> internTextLines(std::string_view a, std::string_view b, s
         if (id < afterLast.size()) {
             nextIndex = lastIndex[id] + 1;
             follow = LineCursor(a, afterLast[id]);
-            hasNext = nextIndex < linesA && follow.next(nextA);
         }
     }
     return ids;
@@ -304,7 +327,7 @@ std::array<LineIds, 2> internTextLines(std::string_view a, std::string_view b, s
 std::array<LineIds, 2> internLines(const LineSource& a, std::size_t aFrom, std::size_t aTo,
     const LineSource& b, std::size_t bFrom, std::size_t bTo, StopCheck& stop)
 {
-    SourceInterner table(a, b, stop);
+    SourceInterner table(a, b, (aTo - aFrom) + (bTo - bFrom), stop);
     std::array<LineIds, 2> ids;
     table.intern(0, aFrom, aTo, ids[0]);
     table.intern(1, bFrom, bTo, ids[1]);

@@ -1,12 +1,33 @@
 #include "Lines.h"
 
 #include <algorithm>
+#include <bit>
 
 #ifdef __SSE2__
 #include <emmintrin.h>
 #endif
 
 namespace SeqDiff {
+
+std::size_t countLineFeeds(std::string_view text)
+{
+    std::size_t count = 0, i = 0;
+#ifdef __SSE2__
+    const __m128i lf = _mm_set1_epi8('\n');
+    for (; i + 16 <= text.size(); i += 16) {
+        const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text.data() + i));
+        count += std::size_t(std::popcount(unsigned(_mm_movemask_epi8(_mm_cmpeq_epi8(v, lf)))));
+    }
+#endif
+    for (; i < text.size(); ++i)
+        count += text[i] == '\n';
+    return count;
+}
+
+std::size_t countLineFeeds(std::u16string_view text)
+{
+    return std::size_t(std::count(text.begin(), text.end(), u'\n'));
+}
 
 namespace {
 
@@ -80,7 +101,7 @@ template <class View> std::vector<View> split(View text)
     std::vector<View> lines;
     // One allocation for the usual text, whose lines end in LF; growing the vector step by step
     // costs more than this count.
-    lines.reserve(std::size_t(std::count(text.begin(), text.end(), '\n')) + 1);
+    lines.reserve(countLineFeeds(text) + 1);
     std::size_t start = 0;
     for (;;) {
         std::size_t length;
@@ -115,6 +136,23 @@ bool LineCursor::next(std::string_view& line)
     line = text.substr(pos, at - pos);
     pos = at + length;
     done = length == 0;
+    return true;
+}
+
+bool LineCursor::skip(std::string_view line)
+{
+    if (done || text.size() - pos < line.size() || text.compare(pos, line.size(), line) != 0)
+        return false;
+    const std::size_t end = pos + line.size();
+    if (end == text.size()) {
+        pos = end;
+        done = true;
+        return true;
+    }
+    const std::size_t ending = endingAt(text, end);
+    if (ending == 0)
+        return false;
+    pos = end + ending;
     return true;
 }
 

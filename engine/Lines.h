@@ -14,6 +14,11 @@ std::vector<std::u16string_view> splitLines(std::u16string_view text);
 // The same for UTF-8 bytes.
 std::vector<std::string_view> splitLines(std::string_view text);
 
+// LF characters in a text, sixteen bytes at a time where the processor allows: one fewer
+// than its lines when they end in LF, taken to size arrays once.
+std::size_t countLineFeeds(std::string_view text);
+std::size_t countLineFeeds(std::u16string_view text);
+
 // The lines of a UTF-8 text one at a time, cut as splitLines cuts them, from the line that
 // starts at `from`: a long text of short lines needs no array of them.
 class LineCursor
@@ -27,6 +32,8 @@ public:
 
     // The next line; false after the last one.
     bool next(std::string_view& line);
+    // Steps past the next line if it is `line`; false, without moving, when it is not.
+    bool skip(std::string_view line);
     // Where the line after the last one returned starts.
     std::size_t offset() const { return pos; }
 
