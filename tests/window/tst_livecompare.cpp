@@ -49,14 +49,14 @@ QString text(int side)
     return lines.join(u'\n');
 }
 
-// Lines drawn from twenty, each side on its own: long to compare, with every line having
-// thousands of equal partners.
+// Lines drawn from a thousand, each side on its own: unrelated texts with many repeated lines,
+// among the longest kinds to compare.
 QString dense(int lines, quint32 seed)
 {
     QRandomGenerator draw(seed);
     QStringList text;
     for (int i = 0; i < lines; ++i)
-        text << QString::number(draw.bounded(20));
+        text << QString::number(draw.bounded(1000));
     return text.join(u'\n');
 }
 
@@ -353,8 +353,8 @@ void TstLiveCompare::typingDuringALongComparison()
     QVERIFY(w);
     const std::vector<SeqDiff::Difference> before = w->diffs;
     QSignalSpy taken(w, &DiffWin::compared);
-    w->txtBox[0]->setText(dense(60000, 1));
-    w->txtBox[1]->setText(dense(60000, 2));
+    w->txtBox[0]->setText(dense(150000, 1));
+    w->txtBox[1]->setText(dense(150000, 2));
     const qint64 drawn = backdropKey(w);
     emit w->Timer2->Action();
     tick(w);
