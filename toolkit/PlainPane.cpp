@@ -286,6 +286,7 @@ void PlainPane::changeEvent(QEvent* e)
         forgetLayouts();
         updateBars();
         viewport()->update();
+        emit viewMoved();
     }
     if (e)
         QAbstractScrollArea::changeEvent(e);
@@ -482,6 +483,7 @@ void PlainPane::resizeEvent(QResizeEvent* e)
 {
     QAbstractScrollArea::resizeEvent(e);
     updateBars();
+    emit viewMoved();
 }
 
 void PlainPane::scrollContentsBy(int, int)

@@ -63,7 +63,7 @@ public slots:
 signals:
     void textChanged();
     void selectionChanged();
-    // Scrolled by any means: keys, bars, wheel, code.
+    // Scrolled by any means (keys, bars, wheel, code), resized, or given another font.
     void viewMoved();
 
 protected:

@@ -90,8 +90,10 @@ TextArea::TextArea(QWidget* parent)
     setFocusPolicy(Qt::NoFocus);
     connect(plain, &PlainPane::textChanged, this, [this] {
         ++revision;
+        forgetRows();
         emit TextChange();
     });
+    connect(plain, &PlainPane::viewMoved, this, &TextArea::forgetRows);
     watch(plain);
     showInside(plain);
 }
@@ -109,6 +111,7 @@ void TextArea::watch(QWidget* w)
 
 void TextArea::showInside(QWidget* w)
 {
+    forgetRows();
     w->setGeometry(rect());
     w->show();
     setFocusProxy(w);
@@ -120,6 +123,7 @@ void TextArea::showInside(QWidget* w)
 
 void TextArea::resizeEvent(QResizeEvent*)
 {
+    forgetRows();
     plain->setGeometry(rect());
     if (rich)
         rich->setGeometry(rect());
@@ -210,7 +214,14 @@ QTextDocument* TextArea::StyledText()
     plain->setStore(LineStore());
     rich = new RichPane(this);
     rich->setReadOnly(readOnly);
-    connect(rich->document(), &QTextDocument::contentsChange, this, [this] { ++revision; });
+    connect(rich->document(), &QTextDocument::contentsChange, this, [this] {
+        ++revision;
+        forgetRows();
+    });
+    connect(rich->verticalScrollBar(), &QScrollBar::valueChanged, this, &TextArea::forgetRows);
+    // Any new layout: a font, a margin, a line laid out anew.
+    connect(rich->document()->documentLayout(), &QAbstractTextDocumentLayout::update, this,
+        &TextArea::forgetRows);
     connect(rich, &QTextEdit::textChanged, this, &TextArea::TextChange);
     watch(rich);
     // Where the plain pane stood in the order of Tab.
@@ -358,29 +369,31 @@ void TextArea::setVerticalScrollPosition(int line)
     bar->setValue(std::clamp(int(std::ceil(top)), bar->minimum(), bar->maximum()));
 }
 
+// A table of every line's start, made again after a change when first asked: the indicator asks
+// for tens of thousands of lines on each redraw.
 int TextArea::CharacterPosition(int line) const
 {
-    const LineStore& l = lines();
-    if (line >= l.lineCount())
-        return int(l.size()) + 2;
-    return int(l.lineStart(std::max(line, 0))) + 1;
+    if (startsRevision != revision) {
+        const LineStore& l = lines();
+        starts.resize(std::size_t(l.lineCount()) + 1);
+        for (qsizetype i = 0; i < l.lineCount(); ++i)
+            starts[std::size_t(i)] = int(l.lineStart(i)) + 1;
+        starts.back() = int(l.size()) + 2;
+        startsRevision = revision;
+    }
+    return starts[std::size_t(std::clamp<qsizetype>(line, 0, qsizetype(starts.size()) - 1))];
 }
 
 int TextArea::TextTop() const
 {
+    // The inner pane fills this control; its viewport sits inside its frame.
     const QWidget* v = viewport();
-    return v->mapTo(this, QPoint()).y();
+    return v->parentWidget()->y() + v->y();
 }
 
 int TextArea::TextHeight() const
 {
     return viewport()->height();
-}
-
-TextArea::Stamp TextArea::stampNow() const
-{
-    const QAbstractScrollArea* area = rich ? static_cast<QAbstractScrollArea*>(rich) : plain;
-    return {revision, area->verticalScrollBar()->value(), TextTop(), TextHeight(), LineHeight()};
 }
 
 int TextArea::lineAtRow(int row) const
@@ -405,8 +418,7 @@ int TextArea::positionAtRow(int row) const
     const int bottom = TextTop() + TextHeight();
     if (row < 0 || row > bottom)
         return CharacterPosition(lineAtRow(row));
-    const Stamp now = stampNow();
-    if (rowsStamp != now) {
+    if (rowsStale) {
         rows.resize(std::size_t(bottom) + 1);
         int line = -1;
         int position = 0;
@@ -418,7 +430,7 @@ int TextArea::positionAtRow(int row) const
             }
             rows[std::size_t(r)] = position;
         }
-        rowsStamp = now;
+        rowsStale = false;
     }
     return rows[std::size_t(row)];
 }
