@@ -797,7 +797,7 @@ void PlainPane::edit(qsizetype from, qsizetype to, const QString& with, bool typ
         return;
     Edit e{from, text.text(from, to), with, caret, anchor, typing};
     Edit* last = undos.empty() ? nullptr : &undos.back();
-    // Typing runs one undo step, up to a break.
+    // Typing runs one undo step, up to a space.
     if (typing && last && last->typing && last->removed.isEmpty() && e.removed.isEmpty()
         && last->at + last->inserted.size() == from && !with.contains(u' ')) {
         last->inserted += with;

@@ -129,12 +129,22 @@ void TextArea::resizeEvent(QResizeEvent*)
         rich->setGeometry(rect());
 }
 
+// Unwatched first: a widget sends events while it is taken down.
+void TextArea::deleteRich()
+{
+    if (!rich)
+        return;
+    rich->viewport()->removeEventFilter(this);
+    rich->removeEventFilter(this);
+    delete rich;
+}
+
 void TextArea::dropRich()
 {
     if (!rich)
         return;
     const bool focused = rich->hasFocus();
-    delete rich;
+    deleteRich();
     showInside(plain);
     if (focused)
         plain->setFocus();
@@ -210,7 +220,7 @@ QTextDocument* TextArea::StyledText()
 {
     ++fills;
     const bool focused = hasFocus();
-    delete rich;
+    deleteRich();
     plain->setStore(LineStore());
     rich = new RichPane(this);
     rich->setReadOnly(readOnly);
@@ -281,8 +291,12 @@ QWidget* TextArea::viewport() const
 
 bool TextArea::eventFilter(QObject* watched, QEvent* e)
 {
+    const QEvent::Type t = e->type();
+    if (t != QEvent::Wheel && t != QEvent::DragEnter && t != QEvent::DragMove
+        && t != QEvent::DragLeave && t != QEvent::Drop)
+        return QWidget::eventFilter(watched, e);
     const bool onViewport = watched == viewport();
-    switch (e->type()) {
+    switch (t) {
     case QEvent::Wheel:
         if (onViewport && onMouseWheel) {
             auto* w = static_cast<QWheelEvent*>(e);

@@ -119,6 +119,7 @@ private:
     void showInside(QWidget* w);
     void watch(QWidget* w);
     void dropRich();
+    void deleteRich();
 
     PlainPane* plain = nullptr;
     QPointer<QTextEdit> rich;
