@@ -384,15 +384,24 @@ void TextArea::setVerticalScrollPosition(int line)
 }
 
 // A table of every line's start, made again after a change when first asked: the indicator asks
-// for tens of thousands of lines on each redraw.
+// for tens of thousands of lines on each redraw. A text of many millions of lines is searched
+// instead, so that no redraw after a change stops to build the table.
 int TextArea::CharacterPosition(int line) const
 {
+    constexpr qsizetype kMostTabled = qsizetype(1) << 22;
+    const LineStore& l = lines();
+    if (l.lineCount() > kMostTabled) {
+        std::vector<int>().swap(starts);
+        startsRevision = ~quint64(0);
+        if (line >= l.lineCount())
+            return int(l.size()) + 2;
+        return int(l.lineStart(std::max(line, 0))) + 1;
+    }
     if (startsRevision != revision) {
-        const LineStore& l = lines();
-        starts.resize(std::size_t(l.lineCount()) + 1);
-        for (qsizetype i = 0; i < l.lineCount(); ++i)
-            starts[std::size_t(i)] = int(l.lineStart(i)) + 1;
-        starts.back() = int(l.size()) + 2;
+        starts.clear();
+        starts.reserve(std::size_t(l.lineCount()) + 1);
+        l.forEachLineStart([this](qsizetype at) { starts.push_back(int(at) + 1); });
+        starts.push_back(int(l.size()) + 2);
         startsRevision = revision;
     }
     return starts[std::size_t(std::clamp<qsizetype>(line, 0, qsizetype(starts.size()) - 1))];
