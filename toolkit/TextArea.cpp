@@ -245,8 +245,9 @@ QTextDocument* TextArea::StyledText()
 
 void TextArea::showNotice(const QString& text)
 {
-    QTextDocument* doc = StyledText();
-    doc->setPlainText(text);
+    StyledText();
+    // The editor's own call, which leaves the caret and the view at the start.
+    rich->setPlainText(text);
     rich->setLineWrapMode(QTextEdit::WidgetWidth);
     setReadOnly(true);
 }
