@@ -76,6 +76,7 @@ private slots:
     void storeFollowsTheSplitRule();
     void editingByKeys_data();
     void editingByKeys();
+    void mouseSelects();
     void inputMethodComposesInPlace();
     void screenReaderReadsAndEdits();
     void scrollPositionCountsLinesAndStops();
@@ -356,6 +357,33 @@ void TstToolkit::editingByKeys()
     QCOMPARE((QList{pane.SelectionStart(), pane.SelectionLength()}), selection);
     QCOMPARE(pane.snapshot()->lineCount(),
         std::size_t(after.split(QRegularExpression("\r\n|\r|\n")).size()));
+}
+
+// A double click takes a word, a shift click stretches the selection, a drag selects.
+void TstToolkit::mouseSelects()
+{
+    toolkit::TextArea pane;
+    pane.resize(300, 100);
+    pane.setText(QStringLiteral("one two three\nfour"));
+    pane.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&pane));
+    QWidget* v = pane.viewport();
+    const QFontMetrics fm(pane.font());
+    const int y = pane.lineRect(0).center().y() - pane.TextTop();
+    const auto at = [&](const char* before) {
+        return QPoint(4 + fm.horizontalAdvance(QLatin1String(before)), y);
+    };
+    QTest::mouseDClick(v, Qt::LeftButton, {}, at("one t"));
+    QCOMPARE((QList{pane.SelectionStart(), pane.SelectionLength()}), (QList{4, 3}));
+    QTest::mouseClick(v, Qt::LeftButton, {}, at("o"));
+    QTest::mouseClick(v, Qt::LeftButton, Qt::ShiftModifier, at("one two th"));
+    QCOMPARE((QList{pane.SelectionStart(), pane.SelectionLength()}), (QList{1, 9}));
+    QTest::mousePress(v, Qt::LeftButton, {}, at("one two thre"));
+    QTest::mouseMove(
+        v, QPoint(4 + fm.horizontalAdvance(QLatin1String("fo")), y + pane.LineHeight()));
+    QTest::mouseRelease(v, Qt::LeftButton, {},
+        QPoint(4 + fm.horizontalAdvance(QLatin1String("fo")), y + pane.LineHeight()));
+    QCOMPARE((QList{pane.SelectionStart(), pane.SelectionLength()}), (QList{12, 4}));
 }
 
 // Text being composed shows in the pane but is not yet in it; the committed text is.
