@@ -564,8 +564,19 @@ void PlainPane::paintEvent(QPaintEvent*)
                 p.fillRect(QRectF(left + xOf(line, at - start), top, 1, metricsHeight),
                     pal.color(group, QPalette::Text));
         };
-        if (hasFocus() && caretShown && !readOnly)
+        if (withPreedit) {
+            // A very long line is not laid out again for it: the composed text stands over
+            // the line at the caret.
+            const QFontMetricsF fm(font());
+            const QRectF box(
+                left + xOf(line, caret - start), top, fm.horizontalAdvance(preedit), metricsHeight);
+            p.fillRect(box, pal.color(group, QPalette::Base));
+            p.setPen(pal.color(group, QPalette::Text));
+            p.drawText(QPointF(box.left(), base), preedit);
+            p.drawLine(QPointF(box.left(), base + 2), QPointF(box.right(), base + 2));
+        } else if (hasFocus() && caretShown && !readOnly) {
             bar(caret);
+        }
         if (dropCaret >= 0)
             bar(dropCaret);
     }
