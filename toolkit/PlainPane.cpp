@@ -818,9 +818,15 @@ void PlainPane::edit(qsizetype from, qsizetype to, const QString& with, bool typ
     redos.clear();
     change(from, to, with);
     caret = anchor = from + with.size();
+    restartBlink();
+    showChange();
+}
+
+// After any change of the text, with the caret where it now stands.
+void PlainPane::showChange()
+{
     updateBars();
     ensureVisible(caret);
-    restartBlink();
     viewport()->update();
     emit textChanged();
     emit selectionChanged();
@@ -857,11 +863,7 @@ void PlainPane::undo()
     caret = e.caretBefore;
     anchor = e.anchorBefore;
     redos.push_back(std::move(e));
-    updateBars();
-    ensureVisible(caret);
-    viewport()->update();
-    emit textChanged();
-    emit selectionChanged();
+    showChange();
 }
 
 void PlainPane::redo()
@@ -874,11 +876,7 @@ void PlainPane::redo()
     caret = anchor = e.at + e.inserted.size();
     e.typing = false;
     undos.push_back(std::move(e));
-    updateBars();
-    ensureVisible(caret);
-    viewport()->update();
-    emit textChanged();
-    emit selectionChanged();
+    showChange();
 }
 
 bool PlainPane::canPaste() const

@@ -100,6 +100,7 @@ private:
     void layOut(Layout& l, qsizetype line, qsizetype from, qreal x) const;
     void relayOut(qsizetype line, qsizetype column);
     void change(qsizetype from, qsizetype to, QStringView with);
+    void showChange();
     qreal advance(std::u16string_view piece) const;
     qsizetype columnAt(qsizetype line, qreal x) const;
     void forgetLayouts();

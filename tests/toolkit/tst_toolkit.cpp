@@ -50,6 +50,14 @@ bool rowsAnswerTheirLines(const toolkit::TextArea& pane)
     return true;
 }
 
+bool showText(toolkit::TextArea& pane, const QString& text, QSize size = {200, 100})
+{
+    pane.resize(size);
+    pane.setText(text);
+    pane.show();
+    return QTest::qWaitForWindowExposed(&pane);
+}
+
 bool showLines(toolkit::TextArea& pane, int count)
 {
     pane.resize(200, 150);
@@ -336,10 +344,7 @@ void TstToolkit::editingByKeys()
     QFETCH(QString, after);
     QFETCH(QList<int>, selection);
     toolkit::TextArea pane;
-    pane.resize(200, 100);
-    pane.setText(text);
-    pane.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&pane));
+    QVERIFY(showText(pane, text));
     pane.select(caret, 0);
     QWidget* editor = pane.focusProxy();
     for (qsizetype i = 0; i < keys.size();) {
@@ -363,10 +368,7 @@ void TstToolkit::editingByKeys()
 void TstToolkit::mouseSelects()
 {
     toolkit::TextArea pane;
-    pane.resize(300, 100);
-    pane.setText(QStringLiteral("one two three\nfour"));
-    pane.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&pane));
+    QVERIFY(showText(pane, QStringLiteral("one two three\nfour"), {300, 100}));
     QWidget* v = pane.viewport();
     const QFontMetrics fm(pane.font());
     const int y = pane.lineRect(0).center().y() - pane.TextTop();
@@ -390,10 +392,7 @@ void TstToolkit::mouseSelects()
 void TstToolkit::inputMethodComposesInPlace()
 {
     toolkit::TextArea pane;
-    pane.resize(200, 100);
-    pane.setText(QStringLiteral("ab"));
-    pane.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&pane));
+    QVERIFY(showText(pane, QStringLiteral("ab")));
     pane.select(1, 0);
     QWidget* editor = pane.focusProxy();
     const QImage before = pane.grab().toImage();
@@ -418,10 +417,7 @@ void TstToolkit::inputMethodComposesInPlace()
 void TstToolkit::screenReaderReadsAndEdits()
 {
     toolkit::TextArea pane;
-    pane.resize(200, 100);
-    pane.setText(QStringLiteral("one\r\ntwo words"));
-    pane.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&pane));
+    QVERIFY(showText(pane, QStringLiteral("one\r\ntwo words")));
     QAccessibleInterface* a = QAccessible::queryAccessibleInterface(pane.focusProxy());
     QVERIFY(a && a->textInterface() && a->editableTextInterface());
     QAccessibleTextInterface* t = a->textInterface();
