@@ -28,6 +28,7 @@ constexpr qsizetype kPiece = 256;
 // Lines longer than this are measured character by character from a table, which a very long
 // line needs to stay quick; shorter ones are measured as drawn, kerning and all.
 constexpr qsizetype kMeasuredWhole = 4096;
+constexpr qreal kWidest = 1 << 30;
 // Words are looked for this far around the caret, so that a long line costs no more.
 constexpr qsizetype kWordReach = 2000;
 
@@ -456,7 +457,9 @@ void PlainPane::updateBars()
     v->setRange(0, int(std::max<qsizetype>(0, text.lineCount() - rows)));
     v->setPageStep(rows);
     QScrollBar* h = horizontalScrollBar();
-    h->setRange(0, std::max(0, int(std::ceil(widestLaidOut + 2 * kLeft)) - viewport()->width()));
+    // A line of hundreds of millions of characters is wider than a scroll bar counts.
+    const qreal widest = std::min<qreal>(widestLaidOut + 2 * kLeft, kWidest);
+    h->setRange(0, std::max(0, int(std::ceil(widest)) - viewport()->width()));
     h->setPageStep(viewport()->width());
 }
 
@@ -472,10 +475,10 @@ void PlainPane::ensureVisible(qsizetype position)
     const qreal x = xOf(line, position - text.lineStart(line)) + kLeft;
     QScrollBar* h = horizontalScrollBar();
     if (x - h->value() < kLeft)
-        h->setValue(int(x - kLeft - viewport()->width() / 3.0));
+        h->setValue(int(std::min<qreal>(x - kLeft - viewport()->width() / 3.0, kWidest)));
     else if (x - h->value() > viewport()->width() - kLeft) {
         updateBars();
-        h->setValue(int(x - viewport()->width() + viewport()->width() / 3.0));
+        h->setValue(int(std::min<qreal>(x - viewport()->width() / 1.5, kWidest)));
     }
 }
 
