@@ -64,6 +64,14 @@ public:
     QString text() const { return text(0, size()); }
     void appendText(QString& out, qsizetype from, qsizetype to) const;
 
+    template <class F> void forEachLineStart(F f) const
+    {
+        for (std::size_t b = 0; b < blocks.size(); ++b) {
+            for (const std::uint32_t at : blocks[b]->starts)
+                f(firstChar[b] + qsizetype(at));
+        }
+    }
+
     // Replaces [from, to) by `with`. Only the lines the change reaches get new blocks and hashes.
     void replace(qsizetype from, qsizetype to, QStringView with);
 

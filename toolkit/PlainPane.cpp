@@ -28,6 +28,7 @@ constexpr qsizetype kPiece = 256;
 // Lines longer than this are measured character by character from a table, which a very long
 // line needs to stay quick; shorter ones are measured as drawn, kerning and all.
 constexpr qsizetype kMeasuredWhole = 4096;
+constexpr qreal kWidest = 1 << 30;
 // Words are looked for this far around the caret, so that a long line costs no more.
 constexpr qsizetype kWordReach = 2000;
 
@@ -286,6 +287,7 @@ void PlainPane::changeEvent(QEvent* e)
         forgetLayouts();
         updateBars();
         viewport()->update();
+        emit viewMoved();
     }
     if (e)
         QAbstractScrollArea::changeEvent(e);
@@ -455,7 +457,9 @@ void PlainPane::updateBars()
     v->setRange(0, int(std::max<qsizetype>(0, text.lineCount() - rows)));
     v->setPageStep(rows);
     QScrollBar* h = horizontalScrollBar();
-    h->setRange(0, std::max(0, int(std::ceil(widestLaidOut + 2 * kLeft)) - viewport()->width()));
+    // A line of hundreds of millions of characters is wider than a scroll bar counts.
+    const qreal widest = std::min<qreal>(widestLaidOut + 2 * kLeft, kWidest);
+    h->setRange(0, std::max(0, int(std::ceil(widest)) - viewport()->width()));
     h->setPageStep(viewport()->width());
 }
 
@@ -471,10 +475,10 @@ void PlainPane::ensureVisible(qsizetype position)
     const qreal x = xOf(line, position - text.lineStart(line)) + kLeft;
     QScrollBar* h = horizontalScrollBar();
     if (x - h->value() < kLeft)
-        h->setValue(int(x - kLeft - viewport()->width() / 3.0));
+        h->setValue(int(std::min<qreal>(x - kLeft - viewport()->width() / 3.0, kWidest)));
     else if (x - h->value() > viewport()->width() - kLeft) {
         updateBars();
-        h->setValue(int(x - viewport()->width() + viewport()->width() / 3.0));
+        h->setValue(int(std::min<qreal>(x - viewport()->width() / 1.5, kWidest)));
     }
 }
 
@@ -482,6 +486,7 @@ void PlainPane::resizeEvent(QResizeEvent* e)
 {
     QAbstractScrollArea::resizeEvent(e);
     updateBars();
+    emit viewMoved();
 }
 
 void PlainPane::scrollContentsBy(int, int)
@@ -562,8 +567,19 @@ void PlainPane::paintEvent(QPaintEvent*)
                 p.fillRect(QRectF(left + xOf(line, at - start), top, 1, metricsHeight),
                     pal.color(group, QPalette::Text));
         };
-        if (hasFocus() && caretShown && !readOnly)
+        if (withPreedit) {
+            // A very long line is not laid out again for it: the composed text stands over
+            // the line at the caret.
+            const QFontMetricsF fm(font());
+            const QRectF box(
+                left + xOf(line, caret - start), top, fm.horizontalAdvance(preedit), metricsHeight);
+            p.fillRect(box, pal.color(group, QPalette::Base));
+            p.setPen(pal.color(group, QPalette::Text));
+            p.drawText(QPointF(box.left(), base), preedit);
+            p.drawLine(QPointF(box.left(), base + 2), QPointF(box.right(), base + 2));
+        } else if (hasFocus() && caretShown && !readOnly) {
             bar(caret);
+        }
         if (dropCaret >= 0)
             bar(dropCaret);
     }
@@ -795,7 +811,7 @@ void PlainPane::edit(qsizetype from, qsizetype to, const QString& with, bool typ
         return;
     Edit e{from, text.text(from, to), with, caret, anchor, typing};
     Edit* last = undos.empty() ? nullptr : &undos.back();
-    // Typing runs one undo step, up to a break.
+    // Typing runs one undo step, up to a space.
     if (typing && last && last->typing && last->removed.isEmpty() && e.removed.isEmpty()
         && last->at + last->inserted.size() == from && !with.contains(u' ')) {
         last->inserted += with;
@@ -805,9 +821,15 @@ void PlainPane::edit(qsizetype from, qsizetype to, const QString& with, bool typ
     redos.clear();
     change(from, to, with);
     caret = anchor = from + with.size();
+    restartBlink();
+    showChange();
+}
+
+// After any change of the text, with the caret where it now stands.
+void PlainPane::showChange()
+{
     updateBars();
     ensureVisible(caret);
-    restartBlink();
     viewport()->update();
     emit textChanged();
     emit selectionChanged();
@@ -844,11 +866,7 @@ void PlainPane::undo()
     caret = e.caretBefore;
     anchor = e.anchorBefore;
     redos.push_back(std::move(e));
-    updateBars();
-    ensureVisible(caret);
-    viewport()->update();
-    emit textChanged();
-    emit selectionChanged();
+    showChange();
 }
 
 void PlainPane::redo()
@@ -861,11 +879,7 @@ void PlainPane::redo()
     caret = anchor = e.at + e.inserted.size();
     e.typing = false;
     undos.push_back(std::move(e));
-    updateBars();
-    ensureVisible(caret);
-    viewport()->update();
-    emit textChanged();
-    emit selectionChanged();
+    showChange();
 }
 
 bool PlainPane::canPaste() const

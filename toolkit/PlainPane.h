@@ -63,7 +63,7 @@ public slots:
 signals:
     void textChanged();
     void selectionChanged();
-    // Scrolled by any means: keys, bars, wheel, code.
+    // Scrolled by any means (keys, bars, wheel, code), resized, or given another font.
     void viewMoved();
 
 protected:
@@ -100,6 +100,7 @@ private:
     void layOut(Layout& l, qsizetype line, qsizetype from, qreal x) const;
     void relayOut(qsizetype line, qsizetype column);
     void change(qsizetype from, qsizetype to, QStringView with);
+    void showChange();
     qreal advance(std::u16string_view piece) const;
     qsizetype columnAt(qsizetype line, qreal x) const;
     void forgetLayouts();

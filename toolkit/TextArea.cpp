@@ -90,8 +90,10 @@ TextArea::TextArea(QWidget* parent)
     setFocusPolicy(Qt::NoFocus);
     connect(plain, &PlainPane::textChanged, this, [this] {
         ++revision;
+        forgetRows();
         emit TextChange();
     });
+    connect(plain, &PlainPane::viewMoved, this, &TextArea::forgetRows);
     watch(plain);
     showInside(plain);
 }
@@ -109,6 +111,7 @@ void TextArea::watch(QWidget* w)
 
 void TextArea::showInside(QWidget* w)
 {
+    forgetRows();
     w->setGeometry(rect());
     w->show();
     setFocusProxy(w);
@@ -120,9 +123,20 @@ void TextArea::showInside(QWidget* w)
 
 void TextArea::resizeEvent(QResizeEvent*)
 {
+    forgetRows();
     plain->setGeometry(rect());
     if (rich)
         rich->setGeometry(rect());
+}
+
+// Unwatched first: a widget sends events while it is taken down.
+void TextArea::deleteRich()
+{
+    if (!rich)
+        return;
+    rich->viewport()->removeEventFilter(this);
+    rich->removeEventFilter(this);
+    delete rich;
 }
 
 void TextArea::dropRich()
@@ -130,7 +144,7 @@ void TextArea::dropRich()
     if (!rich)
         return;
     const bool focused = rich->hasFocus();
-    delete rich;
+    deleteRich();
     showInside(plain);
     if (focused)
         plain->setFocus();
@@ -206,11 +220,18 @@ QTextDocument* TextArea::StyledText()
 {
     ++fills;
     const bool focused = hasFocus();
-    delete rich;
+    deleteRich();
     plain->setStore(LineStore());
     rich = new RichPane(this);
     rich->setReadOnly(readOnly);
-    connect(rich->document(), &QTextDocument::contentsChange, this, [this] { ++revision; });
+    connect(rich->document(), &QTextDocument::contentsChange, this, [this] {
+        ++revision;
+        forgetRows();
+    });
+    connect(rich->verticalScrollBar(), &QScrollBar::valueChanged, this, &TextArea::forgetRows);
+    // Any new layout: a font, a margin, a line laid out anew.
+    connect(rich->document()->documentLayout(), &QAbstractTextDocumentLayout::update, this,
+        &TextArea::forgetRows);
     connect(rich, &QTextEdit::textChanged, this, &TextArea::TextChange);
     watch(rich);
     // Where the plain pane stood in the order of Tab.
@@ -224,8 +245,9 @@ QTextDocument* TextArea::StyledText()
 
 void TextArea::showNotice(const QString& text)
 {
-    QTextDocument* doc = StyledText();
-    doc->setPlainText(text);
+    StyledText();
+    // The editor's own call, which leaves the caret and the view at the start.
+    rich->setPlainText(text);
     rich->setLineWrapMode(QTextEdit::WidgetWidth);
     setReadOnly(true);
 }
@@ -270,8 +292,12 @@ QWidget* TextArea::viewport() const
 
 bool TextArea::eventFilter(QObject* watched, QEvent* e)
 {
+    const QEvent::Type t = e->type();
+    if (t != QEvent::Wheel && t != QEvent::DragEnter && t != QEvent::DragMove
+        && t != QEvent::DragLeave && t != QEvent::Drop)
+        return QWidget::eventFilter(watched, e);
     const bool onViewport = watched == viewport();
-    switch (e->type()) {
+    switch (t) {
     case QEvent::Wheel:
         if (onViewport && onMouseWheel) {
             auto* w = static_cast<QWheelEvent*>(e);
@@ -358,29 +384,40 @@ void TextArea::setVerticalScrollPosition(int line)
     bar->setValue(std::clamp(int(std::ceil(top)), bar->minimum(), bar->maximum()));
 }
 
+// A table of every line's start, made again after a change when first asked: the indicator asks
+// for tens of thousands of lines on each redraw. A text of many millions of lines is searched
+// instead, so that no redraw after a change stops to build the table.
 int TextArea::CharacterPosition(int line) const
 {
+    constexpr qsizetype kMostTabled = qsizetype(1) << 22;
     const LineStore& l = lines();
-    if (line >= l.lineCount())
-        return int(l.size()) + 2;
-    return int(l.lineStart(std::max(line, 0))) + 1;
+    if (l.lineCount() > kMostTabled) {
+        std::vector<int>().swap(starts);
+        startsRevision = ~quint64(0);
+        if (line >= l.lineCount())
+            return int(l.size()) + 2;
+        return int(l.lineStart(std::max(line, 0))) + 1;
+    }
+    if (startsRevision != revision) {
+        starts.clear();
+        starts.reserve(std::size_t(l.lineCount()) + 1);
+        l.forEachLineStart([this](qsizetype at) { starts.push_back(int(at) + 1); });
+        starts.push_back(int(l.size()) + 2);
+        startsRevision = revision;
+    }
+    return starts[std::size_t(std::clamp<qsizetype>(line, 0, qsizetype(starts.size()) - 1))];
 }
 
 int TextArea::TextTop() const
 {
+    // The inner pane fills this control; its viewport sits inside its frame.
     const QWidget* v = viewport();
-    return v->mapTo(this, QPoint()).y();
+    return v->parentWidget()->y() + v->y();
 }
 
 int TextArea::TextHeight() const
 {
     return viewport()->height();
-}
-
-TextArea::Stamp TextArea::stampNow() const
-{
-    const QAbstractScrollArea* area = rich ? static_cast<QAbstractScrollArea*>(rich) : plain;
-    return {revision, area->verticalScrollBar()->value(), TextTop(), TextHeight(), LineHeight()};
 }
 
 int TextArea::lineAtRow(int row) const
@@ -405,8 +442,7 @@ int TextArea::positionAtRow(int row) const
     const int bottom = TextTop() + TextHeight();
     if (row < 0 || row > bottom)
         return CharacterPosition(lineAtRow(row));
-    const Stamp now = stampNow();
-    if (rowsStamp != now) {
+    if (rowsStale) {
         rows.resize(std::size_t(bottom) + 1);
         int line = -1;
         int position = 0;
@@ -418,7 +454,7 @@ int TextArea::positionAtRow(int row) const
             }
             rows[std::size_t(r)] = position;
         }
-        rowsStamp = now;
+        rowsStale = false;
     }
     return rows[std::size_t(row)];
 }

@@ -81,7 +81,7 @@ public:
     {
         // Inline: the indicator asks this hundreds of thousands of times on one redraw.
         const auto row = static_cast<int>(std::floor(y));
-        if (rowsStamp == stampNow() && row >= 0 && row < static_cast<int>(rows.size()))
+        if (!rowsStale && row >= 0 && row < static_cast<int>(rows.size()))
             return rows[static_cast<size_t>(row)];
         return positionAtRow(row);
     }
@@ -112,19 +112,14 @@ protected:
     void resizeEvent(QResizeEvent* e) override;
 
 private:
-    struct Stamp
-    {
-        quint64 revision = ~quint64(0);
-        int scroll = 0, top = 0, height = 0, lineHeight = 0;
-        bool operator==(const Stamp&) const = default;
-    };
-    Stamp stampNow() const;
+    void forgetRows() { rowsStale = true; }
     int positionAtRow(int row) const;
     int lineAtRow(int row) const;
     const LineStore& lines() const;
     void showInside(QWidget* w);
     void watch(QWidget* w);
     void dropRich();
+    void deleteRich();
 
     PlainPane* plain = nullptr;
     QPointer<QTextEdit> rich;
@@ -137,7 +132,10 @@ private:
     mutable quint64 richLinesRevision = ~quint64(0);
     // Kept between calls: the indicator asks for thousands of positions on each redraw.
     mutable std::vector<int> rows;
-    mutable Stamp rowsStamp;
+    mutable std::vector<int> starts;
+    mutable quint64 startsRevision = ~quint64(0);
+    // Set by whatever moves a row: scrolling by any means, an edit, a new size or font.
+    mutable bool rowsStale = true;
     WheelLines wheel;
 };
 

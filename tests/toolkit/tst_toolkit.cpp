@@ -50,6 +50,14 @@ bool rowsAnswerTheirLines(const toolkit::TextArea& pane)
     return true;
 }
 
+bool showText(toolkit::TextArea& pane, const QString& text, QSize size = {200, 100})
+{
+    pane.resize(size);
+    pane.setText(text);
+    pane.show();
+    return QTest::qWaitForWindowExposed(&pane);
+}
+
 bool showLines(toolkit::TextArea& pane, int count)
 {
     pane.resize(200, 150);
@@ -76,6 +84,7 @@ private slots:
     void storeFollowsTheSplitRule();
     void editingByKeys_data();
     void editingByKeys();
+    void mouseSelects();
     void inputMethodComposesInPlace();
     void screenReaderReadsAndEdits();
     void scrollPositionCountsLinesAndStops();
@@ -335,10 +344,7 @@ void TstToolkit::editingByKeys()
     QFETCH(QString, after);
     QFETCH(QList<int>, selection);
     toolkit::TextArea pane;
-    pane.resize(200, 100);
-    pane.setText(text);
-    pane.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&pane));
+    QVERIFY(showText(pane, text));
     pane.select(caret, 0);
     QWidget* editor = pane.focusProxy();
     for (qsizetype i = 0; i < keys.size();) {
@@ -358,14 +364,35 @@ void TstToolkit::editingByKeys()
         std::size_t(after.split(QRegularExpression("\r\n|\r|\n")).size()));
 }
 
+// A double click takes a word, a shift click stretches the selection, a drag selects.
+void TstToolkit::mouseSelects()
+{
+    toolkit::TextArea pane;
+    QVERIFY(showText(pane, QStringLiteral("one two three\nfour"), {300, 100}));
+    QWidget* v = pane.viewport();
+    const QFontMetrics fm(pane.font());
+    const int y = pane.lineRect(0).center().y() - pane.TextTop();
+    const auto at = [&](const char* before) {
+        return QPoint(4 + fm.horizontalAdvance(QLatin1String(before)), y);
+    };
+    QTest::mouseDClick(v, Qt::LeftButton, {}, at("one t"));
+    QCOMPARE((QList{pane.SelectionStart(), pane.SelectionLength()}), (QList{4, 3}));
+    QTest::mouseClick(v, Qt::LeftButton, {}, at("o"));
+    QTest::mouseClick(v, Qt::LeftButton, Qt::ShiftModifier, at("one two th"));
+    QCOMPARE((QList{pane.SelectionStart(), pane.SelectionLength()}), (QList{1, 9}));
+    QTest::mousePress(v, Qt::LeftButton, {}, at("one two thre"));
+    QTest::mouseMove(
+        v, QPoint(4 + fm.horizontalAdvance(QLatin1String("fo")), y + pane.LineHeight()));
+    QTest::mouseRelease(v, Qt::LeftButton, {},
+        QPoint(4 + fm.horizontalAdvance(QLatin1String("fo")), y + pane.LineHeight()));
+    QCOMPARE((QList{pane.SelectionStart(), pane.SelectionLength()}), (QList{12, 4}));
+}
+
 // Text being composed shows in the pane but is not yet in it; the committed text is.
 void TstToolkit::inputMethodComposesInPlace()
 {
     toolkit::TextArea pane;
-    pane.resize(200, 100);
-    pane.setText(QStringLiteral("ab"));
-    pane.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&pane));
+    QVERIFY(showText(pane, QStringLiteral("ab")));
     pane.select(1, 0);
     QWidget* editor = pane.focusProxy();
     const QImage before = pane.grab().toImage();
@@ -390,10 +417,7 @@ void TstToolkit::inputMethodComposesInPlace()
 void TstToolkit::screenReaderReadsAndEdits()
 {
     toolkit::TextArea pane;
-    pane.resize(200, 100);
-    pane.setText(QStringLiteral("one\r\ntwo words"));
-    pane.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&pane));
+    QVERIFY(showText(pane, QStringLiteral("one\r\ntwo words")));
     QAccessibleInterface* a = QAccessible::queryAccessibleInterface(pane.focusProxy());
     QVERIFY(a && a->textInterface() && a->editableTextInterface());
     QAccessibleTextInterface* t = a->textInterface();
