@@ -10,6 +10,7 @@
 #include <array>
 #include <cerrno>
 #include <charconv>
+#include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -46,6 +47,16 @@ struct Side
     std::string_view text;
 };
 
+// A mapped file cut short by another program faults when its lost pages are read: say so and
+// stop rather than die of the signal.
+extern "C" void onLostPage(int)
+{
+    constexpr std::string_view message
+        = "twinly-seqdiff: a file was cut short while being compared\n";
+    [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, message.data(), message.size());
+    ::_exit(kTrouble);
+}
+
 // Maps a regular file with a size whole, its pages read in at once: cheaper than copying a
 // large file into memory of our own. Null when that is not possible; the caller reads it then.
 void* mapWhole(const char* path, std::size_t& size)
@@ -54,6 +65,10 @@ void* mapWhole(const char* path, std::size_t& size)
     if (!file.isOpen() || file.sizeAtOpen() == 0 || file.sizeAtOpen() > SIZE_MAX)
         return nullptr;
     size = std::size_t(file.sizeAtOpen());
+    struct sigaction action = {};
+    action.sa_handler = onLostPage;
+    if (::sigaction(SIGBUS, &action, nullptr) != 0)
+        return nullptr;
     void* at = ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE | MAP_POPULATE, file.descriptor(), 0);
     if (at == MAP_FAILED)
         return nullptr;
