@@ -29,6 +29,8 @@ public:
     PlainFile& operator=(const PlainFile&) = delete;
 
     bool isOpen() const { return fd >= 0; }
+    // The open file's descriptor, -1 when it is not open; it stays owned by this object.
+    int descriptor() const { return fd; }
     // One line telling why the file could not be opened or read.
     const std::string& error() const { return problem; }
     // The size when opened; files of /proc report 0 and still have text.

@@ -9,6 +9,7 @@
 #include <stdexcept>
 
 #ifdef __x86_64__
+#include <cpuid.h>
 #include <immintrin.h>
 #endif
 
@@ -373,16 +374,44 @@ struct Masks
     std::vector<Word> masks;
 };
 
-// Zeros among the words [0, count) of a row. The walk back counts a great many words; the
-// processor's own population count is chosen at load time where there is one.
-__attribute__((target_clones("popcnt", "default"))) std::int64_t countZeros(
-    const Word* words, std::size_t count)
+// Zeros among the words [0, count) of a row.
+[[gnu::always_inline]] inline std::int64_t zerosIn(const Word* words, std::size_t count)
 {
     std::int64_t zeros = 0;
     for (std::size_t w = 0; w < count; ++w)
         zeros += std::popcount(~words[w]);
     return zeros;
 }
+
+#ifdef __x86_64__
+// The walk back counts a great many words, so the processor's own population count is used
+// where there is one. It is looked up on first use rather than by a load-time dispatch, whose
+// start-up probe every short run of a command would pay.
+__attribute__((target("popcnt"))) std::int64_t zerosWithPopcnt(const Word* words, std::size_t count)
+{
+    return zerosIn(words, count);
+}
+
+std::int64_t zerosPortably(const Word* words, std::size_t count)
+{
+    return zerosIn(words, count);
+}
+
+std::int64_t countZeros(const Word* words, std::size_t count)
+{
+    static const auto counter = [] {
+        unsigned eax = 0, ebx = 0, ecx = 0, edx = 0;
+        const bool popcnt = __get_cpuid(1, &eax, &ebx, &ecx, &edx) && (ecx & bit_POPCNT) != 0;
+        return popcnt ? &zerosWithPopcnt : &zerosPortably;
+    }();
+    return counter(words, count);
+}
+#else
+std::int64_t countZeros(const Word* words, std::size_t count)
+{
+    return zerosIn(words, count);
+}
+#endif
 
 class BitRows
 {

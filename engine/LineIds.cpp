@@ -7,6 +7,10 @@
 #include <cstring>
 #include <stdexcept>
 
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
 namespace SeqDiff {
 
 namespace {
@@ -248,19 +252,52 @@ private:
     std::vector<Place> first; // per id, where it was first seen
 };
 
+// The lines both texts start with, found by comparing bytes rather than line by line: their
+// number in `lines`, and the length they take. A CR among the last shared bytes ends no line
+// here, as what follows it decides its ending in each text.
+std::size_t sharedLines(std::string_view x, std::string_view y, std::size_t& lines)
+{
+    const std::size_t n = std::min(x.size(), y.size());
+    std::size_t common = 0;
+#ifdef __SSE2__
+    for (; common + 16 <= n; common += 16) {
+        const auto load = [&](std::string_view t) {
+            return _mm_loadu_si128(reinterpret_cast<const __m128i*>(t.data() + common));
+        };
+        const unsigned same = unsigned(_mm_movemask_epi8(_mm_cmpeq_epi8(load(x), load(y))));
+        if (same != 0xFFFF)
+            break;
+    }
+#endif
+    while (common < n && x[common] == y[common])
+        ++common;
+    std::size_t end = common;
+    if (end > 0 && x[end - 1] == '\r')
+        --end;
+    while (end > 0 && x[end - 1] != '\n' && x[end - 1] != '\r')
+        --end;
+    const std::string_view shared = x.substr(0, end);
+    lines = countLineFeeds(shared);
+    if (end > 0 && std::memchr(shared.data(), '\r', end) != nullptr)
+        for (std::size_t i = 0; i < end; ++i)
+            lines += shared[i] == '\r' && (i + 1 == end || shared[i + 1] != '\n');
+    return end;
+}
+
 } // namespace
 
 std::array<LineIds, 2> internTextLines(std::string_view a, std::string_view b, std::size_t& head)
 {
     // The common head is only counted.
-    LineCursor left(a), right(b);
+    std::size_t startA = sharedLines(a, b, head); // where lineA starts
+    std::size_t startB = startA; // where lineB starts
+    LineCursor left(a, startA), right(b, startB);
     std::string_view lineA, lineB;
     bool hasA = left.next(lineA), hasB = right.next(lineB);
-    head = 0;
-    std::size_t startA = 0; // where lineA starts
     while (hasA && hasB && lineA == lineB) {
         ++head;
         startA = left.offset();
+        startB = right.offset();
         hasA = left.next(lineA);
         hasB = right.next(lineB);
     }
@@ -305,14 +342,28 @@ std::array<LineIds, 2> internTextLines(std::string_view a, std::string_view b, s
         }
     }
 
-    // Most lines of b follow their twin in a: try the line after the last twin before hashing.
+    // Most lines of b follow their twin in a: try the line after the last twin before hashing,
+    // and take whole runs of such lines at once where the bytes agree.
     const std::size_t linesA = ids[0].size();
     std::size_t nextIndex = 0;
     LineCursor follow(a, startA); // at line nextIndex of the rest of a
-    for (; hasB; hasB = right.next(lineB)) {
-        if (nextIndex < linesA && follow.skip(lineB)) {
-            ids[1].push_back(ids[0][nextIndex++]);
-            continue;
+    for (; hasB; startB = right.offset(), hasB = right.next(lineB)) {
+        if (nextIndex < linesA) {
+            std::size_t run = 0;
+            const std::size_t length
+                = sharedLines(a.substr(follow.offset()), b.substr(startB), run);
+            if (run > 0) {
+                ids[1].insert(ids[1].end(), ids[0].begin() + std::ptrdiff_t(nextIndex),
+                    ids[0].begin() + std::ptrdiff_t(nextIndex + run));
+                nextIndex += run;
+                follow = LineCursor(a, follow.offset() + length);
+                right = LineCursor(b, startB + length);
+                continue;
+            }
+            if (follow.skip(lineB)) {
+                ids[1].push_back(ids[0][nextIndex++]);
+                continue;
+            }
         }
         const LineId id = table.idOf(lineB);
         ids[1].push_back(id);

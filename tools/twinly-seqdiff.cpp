@@ -10,12 +10,16 @@
 #include <array>
 #include <cerrno>
 #include <charconv>
+#include <csignal>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <new>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <sys/mman.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -27,19 +31,71 @@ constexpr std::string_view kUsage = "usage: twinly-seqdiff LEFT RIGHT | --self-t
 // A file's bytes and the text the comparison sees in them.
 struct Side
 {
+    Side() = default;
+    Side(const Side&) = delete;
+    Side& operator=(const Side&) = delete;
+    ~Side()
+    {
+        if (mapped != nullptr)
+            ::munmap(mapped, mappedSize);
+    }
+
+    void* mapped = nullptr;
+    std::size_t mappedSize = 0;
     documents::FileBytes bytes;
     std::string repaired;
     std::string_view text;
 };
 
+// A mapped file cut short by another program faults when its lost pages are read: say so and
+// stop rather than die of the signal.
+extern "C" void onLostPage(int)
+{
+    constexpr std::string_view message
+        = "twinly-seqdiff: a file was cut short while being compared\n";
+    [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, message.data(), message.size());
+    ::_exit(kTrouble);
+}
+
+// Maps a regular file with a size whole, its pages read in at once: cheaper than copying a
+// large file into memory of our own. Null when that is not possible; the caller reads it then.
+void* mapWhole(const char* path, std::size_t& size)
+{
+    documents::PlainFile file(path);
+    if (!file.isOpen() || file.sizeAtOpen() == 0 || file.sizeAtOpen() > SIZE_MAX)
+        return nullptr;
+    size = std::size_t(file.sizeAtOpen());
+    struct sigaction action = {};
+    action.sa_handler = onLostPage;
+    if (::sigaction(SIGBUS, &action, nullptr) != 0)
+        return nullptr;
+    void* at = ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE | MAP_POPULATE, file.descriptor(), 0);
+    if (at == MAP_FAILED)
+        return nullptr;
+    struct stat info;
+    if (::fstat(file.descriptor(), &info) != 0 || std::uint64_t(info.st_size) != size) {
+        // Changed since it was opened: the reading below tells what happened.
+        ::munmap(at, size);
+        return nullptr;
+    }
+    return at;
+}
+
 void load(const char* path, Side& side)
 {
-    std::string error;
-    auto bytes = documents::readWholeFile(path, error);
-    if (!bytes)
-        throw Failure(error);
-    side.bytes = std::move(*bytes);
-    side.text = sanitizeUtf8(side.bytes.view(), side.repaired);
+    side.mapped = mapWhole(path, side.mappedSize);
+    std::string_view raw;
+    if (side.mapped != nullptr) {
+        raw = std::string_view(static_cast<const char*>(side.mapped), side.mappedSize);
+    } else {
+        std::string error;
+        auto bytes = documents::readWholeFile(path, error);
+        if (!bytes)
+            throw Failure(error);
+        side.bytes = std::move(*bytes);
+        raw = side.bytes.view();
+    }
+    side.text = sanitizeUtf8(raw, side.repaired);
 }
 
 void appendNumber(std::string& out, std::int64_t value)

@@ -274,11 +274,27 @@ void TestEngine::randomPairsAgreeWithReference()
         }
         return t;
     };
+    // A copy with a few characters replaced by endings or preceded by a letter: long runs of
+    // equal lines whose endings may differ, as in an edited file.
+    auto edited = [&](const std::u16string& t) {
+        std::u16string e;
+        for (const char16_t c : t) {
+            const auto roll = random() % 16;
+            if (roll == 0)
+                e += endings[random() % 3];
+            else
+                e += (roll == 1 ? alphabet[random() % 2] : u"") + c;
+        }
+        return e;
+    };
     // A small memory limit pushes the bit rows through their paths that keep only some rows.
     const CommonSubsequence::Limits tight{2};
     for (int round = 0; round < 10000; ++round) {
         const std::size_t letters = 2 + round % 6;
-        const std::u16string left = text(letters), right = round % 50 == 0 ? u"" : text(letters);
+        const std::u16string left = text(letters),
+                             right = round % 50 == 0 ? u""
+            : round % 3 == 1                         ? edited(left)
+                                                     : text(letters);
         const Reference::Lines a = Reference::split(left), b = Reference::split(right);
         const Records expected = Reference::differences(a, b);
 
