@@ -18,7 +18,7 @@ data=${TWINLY_BENCH_DATA:-$here/data}
 runs=${RUNS:-3}
 display=${TWINLY_BENCH_DISPLAY:-:93}
 twinly=${TWINLY:-$build/shell/twinly}
-quiet=/work/shared/tools/time-to-quiet
+quiet=$root/../shared/tools/time-to-quiet
 
 die() {
     echo "window-rows.sh: $*" >&2
