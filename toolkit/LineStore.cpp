@@ -195,6 +195,24 @@ QString LineStore::text(qsizetype from, qsizetype to) const
     return out;
 }
 
+bool LineStore::sameText(const LineStore& other) const
+{
+    if (size() != other.size())
+        return false;
+    constexpr qsizetype kPiece = qsizetype(1) << 16;
+    QString mine;
+    QString theirs;
+    for (qsizetype at = 0; at < size(); at += kPiece) {
+        mine.clear();
+        theirs.clear();
+        appendText(mine, at, at + kPiece);
+        other.appendText(theirs, at, at + kPiece);
+        if (mine != theirs)
+            return false;
+    }
+    return true;
+}
+
 void LineStore::appendText(QString& out, qsizetype from, qsizetype to) const
 {
     from = std::clamp<qsizetype>(from, 0, size());

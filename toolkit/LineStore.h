@@ -63,6 +63,8 @@ public:
     QString text(qsizetype from, qsizetype to) const;
     QString text() const { return text(0, size()); }
     void appendText(QString& out, qsizetype from, qsizetype to) const;
+    // The same characters, line breaks included, read a piece at a time rather than copied whole.
+    bool sameText(const LineStore& other) const;
 
     template <class F> void forEachLineStart(F f) const
     {

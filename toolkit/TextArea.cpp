@@ -160,6 +160,13 @@ qsizetype TextArea::TextLength() const
     return lines().size();
 }
 
+bool TextArea::hasSameText(const TextArea& other) const
+{
+    if (rich || other.rich)
+        return TextLength() == other.TextLength() && Text() == other.Text();
+    return plain->store().sameText(other.plain->store());
+}
+
 void TextArea::setText(const QString& text)
 {
     setText(prepare(text));

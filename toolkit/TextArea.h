@@ -33,6 +33,8 @@ public:
 
     QString Text() const;
     qsizetype TextLength() const;
+    // Text() == other.Text(), without a copy of either when both are plain.
+    bool hasSameText(const TextArea& other) const;
     // Raises TextChange, as typing does.
     void setText(const QString& text);
     // The same for a text that may be long: it goes in a slice of lines at a time, and between

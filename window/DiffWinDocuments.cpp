@@ -283,8 +283,7 @@ void DiffWin::setTxEnc(int index)
     });
     txtBox[index]->setText(prepared);
     txtBox[index]->setTextFont(QStringLiteral("System"));
-    SameFilm->setVisible(txtBox[0]->TextLength() == txtBox[1]->TextLength()
-        && txtBox[0]->Text() == txtBox[1]->Text());
+    SameFilm->setVisible(txtBox[0]->hasSameText(*txtBox[1]));
 }
 
 void DiffWin::initTEMenu(int index)

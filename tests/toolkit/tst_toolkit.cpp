@@ -266,6 +266,7 @@ void TstToolkit::storeFollowsTheSplitRule()
     for (int edit = 0; edit < 300; ++edit) {
         if (edit % 7 == 0) {
             QCOMPARE(held.text(), heldText);
+            QCOMPARE(held.sameText(store), heldText == text);
             held = store;
             heldText = text;
         }
@@ -293,6 +294,13 @@ void TstToolkit::storeFollowsTheSplitRule()
     }
     QCOMPARE(store.text(), text);
     QCOMPARE(held.text(), heldText);
+    // Cut into other blocks, the same text is the same; one character apart, it is not.
+    QVERIFY(store.sameText(toolkit::LineStore(text)));
+    if (!text.isEmpty()) {
+        QChar& c = text[text.size() / 2];
+        c = c == u'a' ? u'b' : u'a';
+        QVERIFY(!store.sameText(toolkit::LineStore(text)));
+    }
 }
 
 void TstToolkit::editingByKeys_data()
