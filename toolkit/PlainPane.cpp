@@ -214,6 +214,9 @@ void PlainPane::setStore(LineStore store)
     text = std::move(store);
     ++rev;
     caret = anchor = 0;
+    markFirst = -1;
+    markCount = 0;
+    marked.clear();
     preedit.clear();
     undos.clear();
     redos.clear();
@@ -508,6 +511,7 @@ void PlainPane::paintEvent(QPaintEvent*)
     const qsizetype selStart = selectionStart();
     const qsizetype selEnd = selectionEnd();
     p.setFont(font());
+    paintMarks(p, first, last, left);
     for (qsizetype line = first; line <= last; ++line) {
         const qreal top = kTop + qreal(line - first) * metricsHeight;
         const qreal base = top + ascent;
@@ -582,6 +586,74 @@ void PlainPane::paintEvent(QPaintEvent*)
         }
         if (dropCaret >= 0)
             bar(dropCaret);
+    }
+}
+
+void PlainPane::setHighlight(qsizetype first, qsizetype count)
+{
+    first = first < 0 ? -1 : first;
+    count = first < 0 ? 0 : std::max<qsizetype>(count, 0);
+    if (first == markFirst && count == markCount)
+        return;
+    markFirst = first;
+    markCount = count;
+    viewport()->update();
+}
+
+void PlainPane::setSpans(std::vector<LineSpan> spans)
+{
+    if (spans == marked)
+        return;
+    marked = std::move(spans);
+    viewport()->update();
+}
+
+// Lines [fromLine, toLine] were replaced by lines that number `added` more.
+void PlainPane::followEdit(qsizetype fromLine, qsizetype toLine, qsizetype added)
+{
+    if (markFirst < 0 || added == 0)
+        return;
+    const qsizetype end = markFirst + markCount;
+    if (toLine < markFirst) {
+        markFirst = std::max<qsizetype>(markFirst + added, fromLine);
+    } else if (fromLine < end || (markCount == 0 && fromLine < markFirst)) {
+        // The edit reaches into the lines: they keep what is left of them.
+        const qsizetype first = std::min(markFirst, fromLine);
+        markCount = std::max<qsizetype>(end + added, first) - first;
+        markFirst = first;
+    }
+}
+
+// Behind the text, under the selection: the highlighted lines across the whole width, then
+// the stretches within them.
+void PlainPane::paintMarks(QPainter& p, qsizetype first, qsizetype last, qreal left) const
+{
+    if (markFirst < 0 && marked.empty())
+        return;
+    QColor line = palette().color(QPalette::Active, QPalette::Highlight);
+    QColor strong = line;
+    line.setAlpha(48);
+    strong.setAlpha(112);
+    const qreal width = viewport()->width();
+    const auto top = [&](qsizetype l) { return kTop + qreal(l - first) * metricsHeight; };
+    if (markCount == 0 && markFirst >= first && markFirst <= last + 1) {
+        strong.setAlpha(160);
+        p.fillRect(QRectF(0, top(markFirst) - 1, width, 2), strong);
+    } else if (markCount > 0) {
+        const qsizetype from = std::max(markFirst, first);
+        const qsizetype to = std::min(markFirst + markCount - 1, last);
+        if (from <= to)
+            p.fillRect(QRectF(0, top(from), width, qreal(to - from + 1) * metricsHeight), line);
+    }
+    auto k = std::lower_bound(marked.begin(), marked.end(), first,
+        [](const LineSpan& s, qsizetype l) { return s.line < l; });
+    for (; k != marked.end() && k->line <= last; ++k) {
+        if (k->line >= text.lineCount())
+            break;
+        const auto size = qsizetype(text.line(k->line).size());
+        const qreal x0 = left + xOf(k->line, std::min(k->from, size));
+        const qreal x1 = left + xOf(k->line, std::min(k->to, size));
+        p.fillRect(QRectF(x0, top(k->line), std::max<qreal>(x1 - x0, 2), metricsHeight), strong);
     }
 }
 
@@ -844,8 +916,11 @@ void PlainPane::change(qsizetype from, qsizetype to, QStringView with)
     // A CR and an LF that meet or part change the lines, as a break does.
     const bool withinLine = !hasBreak(with) && !hasBreak(text.text(from, to))
         && (from == 0 || text.at(from - 1) != u'\r') && (to >= text.size() || text.at(to) != u'\n');
+    const qsizetype toLine = withinLine || markFirst < 0 ? line : text.lineAt(to);
     text.replace(from, to, with);
     ++rev;
+    if (!withinLine)
+        followEdit(line, toLine, text.lineCount() - lines);
     if (QAccessible::isActive()) {
         QAccessibleTextUpdateEvent e(this, int(from), removed, with.toString());
         QAccessible::updateAccessibility(&e);

@@ -1,10 +1,13 @@
 #pragma once
 
+#include "LineSpan.h"
 #include "LineStore.h"
 
 #include <QAbstractScrollArea>
 #include <QBasicTimer>
 #include <QPoint>
+
+class QPainter;
 
 #include <unordered_map>
 #include <vector>
@@ -50,6 +53,16 @@ public:
     bool canUndo() const { return !undos.empty() && !readOnly; }
     bool canRedo() const { return !redos.empty() && !readOnly; }
     bool canPaste() const;
+
+    // Lines painted behind the text: `count` lines from `first`, or, with none, a thin mark
+    // where the missing lines would stand. A negative `first` paints none. Edits above or
+    // within them move them with their lines; a new text drops them.
+    void setHighlight(qsizetype first, qsizetype count);
+    qsizetype highlightFirst() const { return markFirst; }
+    qsizetype highlightCount() const { return markCount; }
+    // Stretches of lines painted stronger still, in the order of their lines.
+    void setSpans(std::vector<LineSpan> spans);
+    const std::vector<LineSpan>& spans() const { return marked; }
 
 public slots:
     void undo();
@@ -110,6 +123,8 @@ private:
     qsizetype wordStart(qsizetype position, bool forward) const;
     void edit(qsizetype from, qsizetype to, const QString& with, bool typing);
     void restartBlink();
+    void followEdit(qsizetype fromLine, qsizetype toLine, qsizetype added);
+    void paintMarks(QPainter& p, qsizetype first, qsizetype last, qreal left) const;
 
     struct Edit
     {
@@ -143,6 +158,9 @@ private:
     bool pressInSelection = false;
     bool selecting = false;
     qsizetype dropCaret = -1;
+    qsizetype markFirst = -1;
+    qsizetype markCount = 0;
+    std::vector<LineSpan> marked;
 };
 
 } // namespace toolkit

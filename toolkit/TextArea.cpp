@@ -231,6 +231,9 @@ QTextDocument* TextArea::StyledText()
     plain->setStore(LineStore());
     rich = new RichPane(this);
     rich->setReadOnly(readOnly);
+    richMarkFirst = -1;
+    richMarkCount = 0;
+    richSpans.clear();
     connect(rich->document(), &QTextDocument::contentsChange, this, [this] {
         ++revision;
         forgetRows();
@@ -362,6 +365,19 @@ std::shared_ptr<const TextSnapshot> TextArea::snapshot() const
 int TextArea::LineCount() const
 {
     return int(lines().lineCount());
+}
+
+QString TextArea::LineText(int line, qsizetype most) const
+{
+    if (line < 0 || line >= LineCount())
+        return {};
+    const std::u16string_view s = lines().line(line).substr(0, std::size_t(most));
+    return QString(reinterpret_cast<const QChar*>(s.data()), qsizetype(s.size()));
+}
+
+qsizetype TextArea::LineLength(int line) const
+{
+    return line < 0 || line >= LineCount() ? 0 : qsizetype(lines().line(line).size());
 }
 
 int TextArea::VerticalScrollPosition() const
@@ -516,6 +532,71 @@ void TextArea::select(int start, int length)
     rich->setTextCursor(c);
     v->setValue(line);
     h->setValue(column);
+}
+
+void TextArea::setHighlight(int first, int count)
+{
+    if (!rich)
+        return plain->setHighlight(first, count);
+    richMarkFirst = first < 0 ? -1 : first;
+    richMarkCount = first < 0 ? 0 : std::max(count, 0);
+    markRich();
+}
+
+int TextArea::highlightFirst() const
+{
+    return rich ? richMarkFirst : int(plain->highlightFirst());
+}
+
+int TextArea::highlightCount() const
+{
+    return rich ? richMarkCount : int(plain->highlightCount());
+}
+
+void TextArea::setSpans(std::vector<LineSpan> spans)
+{
+    if (!rich)
+        return plain->setSpans(std::move(spans));
+    if (spans == richSpans)
+        return;
+    richSpans = std::move(spans);
+    markRich();
+}
+
+std::vector<LineSpan> TextArea::spans() const
+{
+    return rich ? richSpans : plain->spans();
+}
+
+// The editor's extra selections paint behind its text and leave its cursor alone. A stretch
+// without lines gets no mark here: the editor has no way to draw one between its lines.
+void TextArea::markRich()
+{
+    QColor line = palette().color(QPalette::Active, QPalette::Highlight);
+    QColor strong = line;
+    line.setAlpha(48);
+    strong.setAlpha(112);
+    QList<QTextEdit::ExtraSelection> marks;
+    const auto mark = [&](int from, int to, const QColor& colour, bool wholeWidth) {
+        QTextEdit::ExtraSelection m;
+        m.cursor = QTextCursor(rich->document());
+        const int last = rich->document()->characterCount() - 1;
+        m.cursor.setPosition(std::clamp(from, 0, last));
+        m.cursor.setPosition(std::clamp(to, 0, last), QTextCursor::KeepAnchor);
+        m.format.setBackground(colour);
+        if (wholeWidth)
+            m.format.setProperty(QTextFormat::FullWidthSelection, true);
+        marks.append(m);
+    };
+    // A styled text is seldom long; a stretch of thousands of lines is marked at its start.
+    const int lines = std::min(richMarkCount, 2000);
+    for (int l = richMarkFirst; l < richMarkFirst + lines; ++l)
+        mark(CharacterPosition(l) - 1, CharacterPosition(l) - 1, line, true);
+    for (const LineSpan& s : richSpans) {
+        const int start = CharacterPosition(int(s.line)) - 1;
+        mark(start + int(s.from), start + int(s.to), strong, false);
+    }
+    rich->setExtraSelections(marks);
 }
 
 } // namespace toolkit

@@ -3,6 +3,7 @@
 #include "DragItem.h"
 #include "FileType.h"
 #include "Geometry.h"
+#include "LineSpan.h"
 #include "PreparedText.h"
 #include "TextSnapshot.h"
 
@@ -68,6 +69,9 @@ public:
     // The lines as they stand now, for a comparison that may run on another thread.
     std::shared_ptr<const TextSnapshot> snapshot() const;
     int LineCount() const;
+    // Line `line`, without its break, cut after `most` units.
+    QString LineText(int line, qsizetype most) const;
+    qsizetype LineLength(int line) const;
     // Grows with every change of the text, so that work on an unchanged text can be kept.
     quint64 contentRevision() const { return revision; }
     int VerticalScrollPosition() const;
@@ -103,6 +107,16 @@ public:
     // Selects without scrolling, so that a selection out of view leaves the view where it is.
     void select(int start, int length);
 
+    // Lines shown as marked behind the text, apart from the selection, which stays the user's:
+    // `count` lines from `first`, or with none a thin mark where missing lines would stand; a
+    // negative `first` marks none. Typing moves the mark with its lines.
+    void setHighlight(int first, int count);
+    int highlightFirst() const;
+    int highlightCount() const;
+    // Stretches within lines, marked more strongly; a new text drops them.
+    void setSpans(std::vector<LineSpan> spans);
+    std::vector<LineSpan> spans() const;
+
     // A handler that returns true takes the wheel event; false lets the pane scroll as usual.
     std::function<bool(int x, int y, int deltaX, int deltaY)> onMouseWheel;
 
@@ -122,6 +136,7 @@ private:
     void watch(QWidget* w);
     void dropRich();
     void deleteRich();
+    void markRich();
 
     PlainPane* plain = nullptr;
     QPointer<QTextEdit> rich;
@@ -139,6 +154,10 @@ private:
     // Set by whatever moves a row: scrolling by any means, an edit, a new size or font.
     mutable bool rowsStale = true;
     WheelLines wheel;
+    // What a rich pane marks; the plain pane keeps its own.
+    int richMarkFirst = -1;
+    int richMarkCount = 0;
+    std::vector<LineSpan> richSpans;
 };
 
 } // namespace toolkit

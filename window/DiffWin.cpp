@@ -208,6 +208,8 @@ void DiffWin::ConnectHandlers()
     connect(comparison, &Comparison::finished, this, &DiffWin::takeResult);
     connect(comparison, &Comparison::failed, this, [this] { waitNotice->stop(); });
     connect(waitNotice, &QTimer::timeout, this, &DiffWin::showWaiting);
+    inlineDiffs = new InlineDiffs(this);
+    connect(inlineDiffs, &InlineDiffs::finished, this, &DiffWin::takeInline);
     connect(NextBtn, &BevelButton::Action, this, &DiffWin::NextBtn_Action);
     connect(PrevBtn, &BevelButton::Action, this, &DiffWin::PrevBtn_Action);
     connect(TopBtn, &BevelButton::Action, this, &DiffWin::TopBtn_Action);
@@ -243,6 +245,7 @@ void DiffWin::txtBox_TextChange(int)
 {
     // Whatever it finds is out of date already.
     comparison->cancel();
+    dropInline();
     noticeWaiting();
     Timer1->setMode(0);
     Timer2->setMode(1);
@@ -309,6 +312,7 @@ bool DiffWin::updateDiffCanvas()
     const PaneLines right(*txtBox[1]);
     bool drawn = false;
     int diffIndex = 0;
+    const SeqDiff::Difference* current = nullptr;
     for (const SeqDiff::Difference& d :
         bandsHidden ? std::span<const SeqDiff::Difference>() : std::span(diffs)) {
         const indicator::Band band = indicator::bandOf(d, left, right);
@@ -318,9 +322,7 @@ bool DiffWin::updateDiffCanvas()
             unsigned colour = kDiffColour;
             if (curLine != -1 && curLine == d.DeletedStart()) {
                 colour = kCurrentColour;
-                const indicator::Side& a = band.side[0];
-                const indicator::Side& b = band.side[1];
-                selectDiffLines(a.start, a.end, b.start, b.end, a.empty(), b.empty());
+                current = &d;
             }
             g.setForeColor(colour);
             g.FillPolygon(indicator::fillPolygon(band, int(g.Width())));
@@ -338,27 +340,136 @@ bool DiffWin::updateDiffCanvas()
         ++diffIndex;
     }
     canvasClicked = false;
-    if (!drawn) {
-        txtBox[0]->setSelectionLength(0);
-        txtBox[1]->setSelectionLength(0);
+    // Records of texts since edited would mark the wrong lines: the marks follow the edits
+    // until the next result.
+    if (bandsHidden || resultIsCurrent()) {
+        if (current) {
+            selectDiffLines(int(current->DeletedStart()), int(current->DeletedEnd()),
+                int(current->AddedStart()), int(current->AddedEnd()), current->DeletedEnd() < 0,
+                current->AddedEnd() < 0);
+        } else {
+            txtBox[0]->setHighlight(-1, 0);
+            txtBox[1]->setHighlight(-1, 0);
+        }
+        requestInline(bandsHidden ? std::vector<LinePair>() : pairsInView());
     }
     DiffTotal->setText(totalText());
     return drawn;
 }
 
-// From the start of the first line to the start of the line after the last; a side without
-// lines gets a caret where they are missing.
+// A side without lines gets a thin mark where they are missing. The focus stays where the
+// user has put it.
 void DiffWin::selectDiffLines(int aStart, int aEnd, int bStart, int bEnd, bool aEmpty, bool bEmpty)
 {
     const std::array<int, 2> start{aStart, bStart};
     const std::array<int, 2> end{aEnd, bEnd};
     const std::array<bool, 2> empty{aEmpty, bEmpty};
+    for (int i = 0; i < 2; ++i)
+        txtBox[i]->setHighlight(start[i], empty[i] ? 0 : end[i] - start[i] + 1);
+}
+
+// Line k of a changed stretch on the left goes with line k of the stretch on the right.
+std::vector<DiffWin::LinePair> DiffWin::pairsInView() const
+{
+    std::array<std::int64_t, 2> first{};
+    std::array<std::int64_t, 2> last{};
     for (int i = 0; i < 2; ++i) {
-        const int s = txtBox[i]->CharacterPosition(start[i]) - 1;
-        const int e = txtBox[i]->CharacterPosition(end[i] + 1) - 1;
-        txtBox[i]->select(s, empty[i] ? 0 : e - s);
+        first[i] = txtBox[i]->VerticalScrollPosition();
+        last[i] = first[i] + txtBox[i]->TextHeight() / std::max(txtBox[i]->LineHeight(), 1) + 1;
     }
-    diffCanvas->setFocus();
+    std::vector<LinePair> pairs;
+    // The records are in text order: those above the view are passed over.
+    auto d = std::partition_point(diffs.begin(), diffs.end(), [&](const SeqDiff::Difference& r) {
+        return r.DeletedStart() + r.DeletedCount() <= first[0]
+            && r.AddedStart() + r.AddedCount() <= first[1];
+    });
+    for (; d != diffs.end() && (d->DeletedStart() <= last[0] || d->AddedStart() <= last[1]); ++d) {
+        const std::array<std::int64_t, 2> start{d->DeletedStart(), d->AddedStart()};
+        const std::int64_t n = std::min(d->DeletedCount(), d->AddedCount());
+        for (int i = 0; i < 2; ++i) {
+            const std::int64_t to = std::min(last[i] - start[i], n - 1);
+            for (std::int64_t k = std::max<std::int64_t>(first[i] - start[i], 0); k <= to; ++k)
+                pairs.push_back({int(start[0] + k), int(start[1] + k)});
+        }
+    }
+    std::sort(pairs.begin(), pairs.end());
+    pairs.erase(std::unique(pairs.begin(), pairs.end()), pairs.end());
+    return pairs;
+}
+
+void DiffWin::requestInline(std::vector<LinePair> wanted)
+{
+    if (inlineRevisions != revisions()) {
+        dropInline();
+        inlineRevisions = revisions();
+    }
+    inlineWanted = std::move(wanted);
+    std::vector<InlineDiffs::Pair> missing;
+    std::vector<LinePair> asked;
+    for (const LinePair& p : inlineWanted) {
+        if (inlineKnown.count(p))
+            continue;
+        const std::array<QString, 2> text{txtBox[0]->LineText(p[0], inlinespans::kLongest + 1),
+            txtBox[1]->LineText(p[1], inlinespans::kLongest + 1)};
+        if (text[0].size() > inlinespans::kLongest || text[1].size() > inlinespans::kLongest) {
+            // Too long to compare in time: marked whole, with no copy of the line.
+            inlineKnown[p] = {std::vector<inlinespans::Columns>{{0, txtBox[0]->LineLength(p[0])}},
+                std::vector<inlinespans::Columns>{{0, txtBox[1]->LineLength(p[1])}}};
+            continue;
+        }
+        missing.push_back({p, text});
+        asked.push_back(p);
+    }
+    const bool underWay = inlineDiffs->running() == revisions()
+        && std::includes(inlineAsked.begin(), inlineAsked.end(), asked.begin(), asked.end());
+    if (!missing.empty() && !underWay) {
+        inlineAsked = std::move(asked);
+        inlineDiffs->start(revisions(), std::move(missing));
+    }
+    showInline();
+}
+
+void DiffWin::takeInline(
+    InlineDiffs::Revisions compared, std::shared_ptr<std::vector<InlineDiffs::Found>> found)
+{
+    if (compared != revisions() || inlineRevisions != revisions())
+        return;
+    for (InlineDiffs::Found& f : *found)
+        inlineKnown[f.line] = std::move(f.changed);
+    inlineAsked.clear();
+    showInline();
+}
+
+void DiffWin::showInline()
+{
+    std::array<std::vector<toolkit::LineSpan>, 2> spans;
+    for (const LinePair& p : inlineWanted) {
+        const auto known = inlineKnown.find(p);
+        if (known == inlineKnown.end())
+            continue;
+        for (int i = 0; i < 2; ++i) {
+            for (const inlinespans::Columns& c : known->second[i])
+                spans[i].push_back({p[i], c.from, c.to});
+        }
+    }
+    for (int i = 0; i < 2; ++i) {
+        std::sort(spans[i].begin(), spans[i].end(),
+            [](const toolkit::LineSpan& x, const toolkit::LineSpan& y) {
+                return std::pair(x.line, x.from) < std::pair(y.line, y.from);
+            });
+        txtBox[i]->setSpans(std::move(spans[i]));
+    }
+}
+
+// The texts have changed: what was found no longer holds.
+void DiffWin::dropInline()
+{
+    inlineDiffs->cancel();
+    inlineKnown.clear();
+    inlineAsked.clear();
+    inlineRevisions.reset();
+    for (TextArea* pane : txtBox)
+        pane->setSpans({});
 }
 
 bool DiffWin::diffCanvas_MouseDown(int x, int y)

@@ -3,11 +3,13 @@
 #include "Comparison.h"
 #include "Difference.h"
 #include "HitTest.h"
+#include "InlineDiffs.h"
 #include "TextEncoding.h"
 #include "Window.h"
 
 #include <array>
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -43,9 +45,10 @@ public:
     void initTops();
     // Lays the panes and the indicator out for the window's width, then compares and redraws.
     void adjustSize();
-    // Paints the indicator anew, answers a pending click and selects the current difference's
+    // Paints the indicator anew, answers a pending click and marks the current difference's
     // lines. True when at least one band was drawn.
     bool updateDiffCanvas();
+    // Marks the lines in both panes behind their text; the user's selection stays as it is.
     void selectDiffLines(int aStart, int aEnd, int bStart, int bEnd, bool aEmpty, bool bEmpty);
 
     // Reads a file into a pane and shows its name in the pane's title; a new comparison
@@ -161,6 +164,15 @@ private:
     void updateFilm();
     void clickBand(const indicator::Band& band, int diffIndex);
     void goToDifference(int n);
+    // The changed parts of the pairs of changed lines in view: those known are shown at once,
+    // the others asked of the pool and shown when they come.
+    using LinePair = std::array<int, 2>;
+    std::vector<LinePair> pairsInView() const;
+    void requestInline(std::vector<LinePair> wanted);
+    void takeInline(
+        InlineDiffs::Revisions compared, std::shared_ptr<std::vector<InlineDiffs::Found>> found);
+    void showInline();
+    void dropInline();
     void makeFirstCurrent();
 
     bool _HelpLicense_Action();
@@ -187,4 +199,10 @@ private:
     void hideBands();
     bool bandsHidden = false;
     int panesLoading = 0;
+    InlineDiffs* inlineDiffs = nullptr;
+    // Changed parts by pair, for the texts of inlineRevisions.
+    std::map<LinePair, inlinespans::Changed> inlineKnown;
+    std::optional<Comparison::Revisions> inlineRevisions;
+    std::vector<LinePair> inlineWanted;
+    std::vector<LinePair> inlineAsked;
 };

@@ -3,6 +3,7 @@
 #include "BevelButton.h"
 #include "Canvas.h"
 #include "DiffWin.h"
+#include "InlineSpans.h"
 #include "Label.h"
 #include "PaneLines.h"
 #include "SeqDiff.h"
@@ -163,18 +164,31 @@ QPoint inside(const DiffWin* w, const indicator::Band& b, int x)
     return {x, int((upper + lower) / 2)};
 }
 
-// Difference i selected in both panes: from the start of its first line to the start of the
-// line after its last; a caret alone on a side without lines.
-bool selects(const DiffWin* w, int i)
+// Difference i's lines marked in both panes; none on a side without lines, where the mark
+// stands before the line that follows the missing ones.
+bool highlights(const DiffWin* w, int i)
 {
     for (int s = 0; s < 2; ++s) {
         const toolkit::TextArea* pane = w->txtBox[s];
-        const int start = pane->CharacterPosition(kTops[s][i]) - 1;
-        const int end = kEnds[s][i] < 0 ? start : pane->CharacterPosition(kEnds[s][i] + 1) - 1;
-        if (pane->SelectionStart() != start || pane->SelectionLength() != end - start)
+        const int count = kEnds[s][i] < 0 ? 0 : kEnds[s][i] - kTops[s][i] + 1;
+        if (pane->highlightFirst() != kTops[s][i] || pane->highlightCount() != count)
             return false;
     }
     return true;
+}
+
+QList<int> selection(const toolkit::TextArea* pane)
+{
+    return {pane->SelectionStart(), pane->SelectionLength()};
+}
+
+// A line with its changed parts in brackets.
+QString bracketed(const QString& line, const std::vector<inlinespans::Columns>& parts)
+{
+    QString out = line;
+    for (auto c = parts.rbegin(); c != parts.rend(); ++c)
+        out.insert(c->to, u']').insert(c->from, u'[');
+    return out;
 }
 
 // Every band fully in view is drawn where the panes show its lines, down to its last row, and
@@ -233,6 +247,8 @@ private slots:
     void scrolling();
     void sameOnlyWhenTheLinesAre_data();
     void sameOnlyWhenTheLinesAre();
+    void changedParts_data();
+    void changedParts();
 };
 
 void TstLiveCompare::cleanup()
@@ -250,7 +266,7 @@ void TstLiveCompare::firstTickMakesTheFirstDifferenceCurrent()
     QTRY_VERIFY_WITH_TIMEOUT(w->resultIsCurrent() && !w->onlyFirst, 3000);
     QCOMPARE(w->curDiffNum, 0);
     QCOMPARE(w->curLine, kTops[0][0]);
-    QVERIFY(selects(w, 0));
+    QVERIFY(highlights(w, 0));
 }
 
 void TstLiveCompare::typingWaitsForThePause()
@@ -283,21 +299,30 @@ void TstLiveCompare::typingWaitsForThePause()
     QTRY_VERIFY_WITH_TIMEOUT(ticks.count() >= 3, 3000);
     QCOMPARE(comparisons, 1);
     QCOMPARE(pauses.count(), 1);
+
+    // The redraws after the pause leave the keys where the user was typing, and the marks of
+    // the current difference are no selection that a key would replace.
+    QVERIFY(highlights(w, 0));
+    QCOMPARE(QApplication::focusWidget(), pane->focusProxy());
+    QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("ed"));
+    QCOMPARE(pane->Lines().at(40), QStringLiteral("editedline 40"));
+    QCOMPARE(selection(pane), (QList{pane->CharacterPosition(40) + 5, 0}));
+    QCOMPARE(w->txtBox[1]->Lines().at(5), QStringLiteral("changed 5"));
 }
 
 void TstLiveCompare::equalTextsShowAllSame()
 {
     DiffWin* w = open();
     QVERIFY(w);
-    QVERIFY(w->txtBox[0]->SelectionLength() > 0);
+    QVERIFY(w->txtBox[0]->highlightFirst() >= 0);
     w->txtBox[1]->setText(text(0));
     settle(w);
     QVERIFY(w->diffs.empty());
     QCOMPARE(w->DiffTotal->text(), QStringLiteral("0"));
     QVERIFY(w->SameFilm->isVisible());
     QCOMPARE(w->SameFilm->Caption(), QStringLiteral("All same!"));
-    QCOMPARE(w->txtBox[0]->SelectionLength(), 0);
-    QCOMPARE(w->txtBox[1]->SelectionLength(), 0);
+    QCOMPARE(w->txtBox[0]->highlightFirst(), -1);
+    QCOMPARE(w->txtBox[1]->highlightFirst(), -1);
     const QImage& image = w->diffCanvas->Backdrop().image;
     for (int y = 0; y < image.height(); ++y)
         for (int x = 0; x < image.width(); ++x)
@@ -414,6 +439,7 @@ void TstLiveCompare::choosingADifference()
     DiffWin* w = open(from[0], from[1]);
     QVERIFY(w);
     QCOMPARE(w->txtBox[0]->height(), 398);
+    w->txtBox[1]->select(3, 5);
     const QHash<QChar, QWidget*> buttons{
         {u'T', w->TopBtn}, {u'P', w->PrevBtn}, {u'N', w->NextBtn}, {u'B', w->BtmBtn}};
     for (QChar c : presses)
@@ -440,7 +466,26 @@ void TstLiveCompare::choosingADifference()
         if (shown)
             QCOMPARE(pixel(w, inside(w, *shown, column)), i == current ? kCurrent : kBand);
     }
-    QVERIFY(selects(w, current));
+    QVERIFY(highlights(w, current));
+    QCOMPARE(selection(w->txtBox[1]), (QList{3, 5}));
+    QCOMPARE(selection(w->txtBox[0]), (QList{0, 0}));
+    // A rewritten line shows its new word against the old one; lines without a partner have
+    // no parts marked.
+    const std::array<QList<toolkit::LineSpan>, 2> rewritten{
+        QList<toolkit::LineSpan>{{kTops[0][current], 0, 4}},
+        QList<toolkit::LineSpan>{{kTops[1][current], 0, 7}}};
+    for (int s = 0; s < 2; ++s) {
+        const auto marked = [&] {
+            QList<toolkit::LineSpan> on;
+            for (const toolkit::LineSpan& m : w->txtBox[s]->spans()) {
+                if (m.line >= kTops[s][current] && m.line <= kEnds[s][current])
+                    on << m;
+            }
+            return on;
+        };
+        const bool paired = kEnds[0][current] >= 0 && kEnds[1][current] >= 0;
+        QTRY_COMPARE(marked(), paired ? rewritten[s] : QList<toolkit::LineSpan>());
+    }
 }
 
 void TstLiveCompare::scrolling_data()
@@ -477,6 +522,7 @@ void TstLiveCompare::scrolling()
     DiffWin* w = open(from[0], from[1]);
     QVERIFY(w);
     const SeqDiff::Difference* records = w->diffs.data();
+    w->txtBox[0]->select(20, 7);
     for (int i = 0; i < events; ++i) {
         if (over == u"bar")
             verticalBar(w->txtBox[1])->triggerAction(QAbstractSlider::SliderSingleStepAdd);
@@ -496,6 +542,7 @@ void TstLiveCompare::scrolling()
     QVERIFY(!redraws(w));
     QCOMPARE((QList{w->scrolTop[0], w->scrolTop[1]}), scrolled(w));
     QVERIFY(bandsMatchThePanes(w, 0));
+    QCOMPARE(selection(w->txtBox[0]), (QList{20, 7}));
     // The texts have not changed, so the records of their comparison are the ones made before.
     QCOMPARE(w->diffs.data(), records);
 }
@@ -526,6 +573,65 @@ void TstLiveCompare::sameOnlyWhenTheLinesAre()
     settle(w);
     QCOMPARE(w->SameFilm->isVisible(), same);
     QCOMPARE(w->diffs.empty(), same);
+}
+
+void TstLiveCompare::changedParts_data()
+{
+    QTest::addColumn<QString>("left");
+    QTest::addColumn<QString>("right");
+    QTest::addColumn<QString>("leftMarked");
+    QTest::addColumn<QString>("rightMarked");
+    QTest::newRow("a word") << "line 5"
+                            << "changed 5"
+                            << "[line] 5"
+                            << "[changed] 5";
+    QTest::newRow("an operator") << "a = b + c;"
+                                 << "a = b - c;"
+                                 << "a = b [+] c;"
+                                 << "a = b [-] c;";
+    QTest::newRow("an argument more") << "call(x)"
+                                      << "call(x, y)"
+                                      << "call(x)"
+                                      << "call(x[, y])";
+    QTest::newRow("blanks") << "a  b"
+                            << "a b"
+                            << "a[  ]b"
+                            << "a[ ]b";
+    QTest::newRow("kanji and kana one by one")
+        << QStringLiteral("今日は雨です") << QStringLiteral("今日は晴れです")
+        << QStringLiteral("今日は[雨]です") << QStringLiteral("今日は[晴れ]です");
+    QTest::newRow("outside the basic plane, whole")
+        << QStringLiteral("x \U0001F600 y") << QStringLiteral("x \U0001F603 y")
+        << QStringLiteral("x [\U0001F600] y") << QStringLiteral("x [\U0001F603] y");
+    QTest::newRow("a combining mark stays with its letter")
+        << QStringLiteral("cafe\u0301 au") << QStringLiteral("cafe au")
+        << QStringLiteral("[cafe\u0301] au") << QStringLiteral("[cafe] au");
+    QTest::newRow("one side empty") << ""
+                                    << "abc"
+                                    << ""
+                                    << "[abc]";
+    const QString longest = QStringLiteral("a ").repeated(inlinespans::kLongest / 2 - 1);
+    const QString b = QStringLiteral("bb"), c = QStringLiteral("cc");
+    QTest::newRow("as long as is compared")
+        << longest + b << longest + c << longest + u'[' + b + u']' << longest + u'[' + c + u']';
+    QTest::newRow("longer, marked whole")
+        << longest + b + u'b' << longest + c + u'c' << u'[' + longest + b + u'b' + u']'
+        << u'[' + longest + c + u'c' + u']';
+}
+
+void TstLiveCompare::changedParts()
+{
+    QFETCH(QString, left);
+    QFETCH(QString, right);
+    QFETCH(QString, leftMarked);
+    QFETCH(QString, rightMarked);
+    const auto view = [](const QString& s) {
+        return std::u16string_view(
+            reinterpret_cast<const char16_t*>(s.utf16()), std::size_t(s.size()));
+    };
+    const inlinespans::Changed found = inlinespans::changed(view(left), view(right));
+    QCOMPARE(bracketed(left, found[0]), leftMarked);
+    QCOMPARE(bracketed(right, found[1]), rightMarked);
 }
 
 int main(int, char**)
