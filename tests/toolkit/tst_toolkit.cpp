@@ -58,6 +58,22 @@ bool showText(toolkit::TextArea& pane, const QString& text, QSize size = {200, 1
     return QTest::qWaitForWindowExposed(&pane);
 }
 
+// Typed, with <key sequences> between.
+void typeKeys(QWidget* editor, const QString& keys)
+{
+    for (qsizetype i = 0; i < keys.size();) {
+        if (keys.at(i) == u'<') {
+            const qsizetype end = keys.indexOf(u'>', i);
+            const QKeyCombination k = QKeySequence::fromString(keys.mid(i + 1, end - i - 1))[0];
+            QTest::keyClick(editor, k.key(), k.keyboardModifiers());
+            i = end + 1;
+        } else {
+            QTest::keyClick(editor, keys.at(i).toLatin1());
+            ++i;
+        }
+    }
+}
+
 bool showLines(toolkit::TextArea& pane, int count)
 {
     pane.resize(200, 150);
@@ -84,6 +100,8 @@ private slots:
     void storeFollowsTheSplitRule();
     void editingByKeys_data();
     void editingByKeys();
+    void marksFollowEdits_data();
+    void marksFollowEdits();
     void mouseSelects();
     void inputMethodComposesInPlace();
     void screenReaderReadsAndEdits();
@@ -344,6 +362,42 @@ void TstToolkit::editingByKeys_data()
                                          << "z" << QList{1, 0};
 }
 
+void TstToolkit::marksFollowEdits_data()
+{
+    QTest::addColumn<QList<int>>("marked"); // first line, count
+    QTest::addColumn<int>("caret");
+    QTest::addColumn<QString>("keys");
+    QTest::addColumn<QList<int>>("after");
+    // On "a\nb\nc\nd": line 1 starts at 2, line 3 at 6.
+    QTest::newRow("a line above: down") << QList{2, 1} << 0 << "<Return>" << QList{3, 1};
+    QTest::newRow("a break above taken: up") << QList{2, 1} << 2 << "<Backspace>" << QList{1, 1};
+    QTest::newRow("a line within: longer") << QList{1, 2} << 2 << "<Return>" << QList{1, 3};
+    QTest::newRow("a line below: stays") << QList{0, 1} << 6 << "<Return>" << QList{0, 1};
+    QTest::newRow("typing in a line: stays") << QList{1, 1} << 0 << "xy" << QList{1, 1};
+    QTest::newRow("missing lines' place: down") << QList{2, 0} << 0 << "<Return>" << QList{3, 0};
+    QTest::newRow("joined into the line above") << QList{1, 2} << 1 << "<Del>" << QList{0, 2};
+}
+
+void TstToolkit::marksFollowEdits()
+{
+    QFETCH(QList<int>, marked);
+    QFETCH(int, caret);
+    QFETCH(QString, keys);
+    QFETCH(QList<int>, after);
+    toolkit::TextArea pane;
+    QVERIFY(showText(pane, QStringLiteral("a\nb\nc\nd")));
+    pane.setHighlight(marked[0], marked[1]);
+    pane.setSpans({{1, 0, 1}});
+    pane.select(caret, 0);
+    typeKeys(pane.focusProxy(), keys);
+    QCOMPARE((QList{pane.highlightFirst(), pane.highlightCount()}), after);
+    // The caret and selection are the user's alone.
+    QCOMPARE(pane.SelectionLength(), 0);
+    pane.setText(QStringLiteral("new"));
+    QCOMPARE((QList{pane.highlightFirst(), pane.highlightCount()}), (QList{-1, 0}));
+    QVERIFY(pane.spans().empty());
+}
+
 void TstToolkit::editingByKeys()
 {
     QFETCH(QString, text);
@@ -354,18 +408,7 @@ void TstToolkit::editingByKeys()
     toolkit::TextArea pane;
     QVERIFY(showText(pane, text));
     pane.select(caret, 0);
-    QWidget* editor = pane.focusProxy();
-    for (qsizetype i = 0; i < keys.size();) {
-        if (keys.at(i) == u'<') {
-            const qsizetype end = keys.indexOf(u'>', i);
-            const QKeyCombination k = QKeySequence::fromString(keys.mid(i + 1, end - i - 1))[0];
-            QTest::keyClick(editor, k.key(), k.keyboardModifiers());
-            i = end + 1;
-        } else {
-            QTest::keyClick(editor, keys.at(i).toLatin1());
-            ++i;
-        }
-    }
+    typeKeys(pane.focusProxy(), keys);
     QCOMPARE(pane.Text(), after);
     QCOMPARE((QList{pane.SelectionStart(), pane.SelectionLength()}), selection);
     QCOMPARE(pane.snapshot()->lineCount(),
