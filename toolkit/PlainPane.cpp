@@ -637,8 +637,9 @@ void PlainPane::paintMarks(QPainter& p, qsizetype first, qsizetype last, qreal l
     const qreal width = viewport()->width();
     const auto top = [&](qsizetype l) { return kTop + qreal(l - first) * metricsHeight; };
     if (markCount == 0 && markFirst >= first && markFirst <= last + 1) {
-        strong.setAlpha(160);
-        p.fillRect(QRectF(0, top(markFirst) - 1, width, 2), strong);
+        QColor thin = strong;
+        thin.setAlpha(160);
+        p.fillRect(QRectF(0, top(markFirst) - 1, width, 2), thin);
     } else if (markCount > 0) {
         const qsizetype from = std::max(markFirst, first);
         const qsizetype to = std::min(markFirst + markCount - 1, last);

@@ -538,8 +538,12 @@ void TextArea::setHighlight(int first, int count)
 {
     if (!rich)
         return plain->setHighlight(first, count);
-    richMarkFirst = first < 0 ? -1 : first;
-    richMarkCount = first < 0 ? 0 : std::max(count, 0);
+    first = std::max(first, -1);
+    count = first < 0 ? 0 : std::max(count, 0);
+    if (first == richMarkFirst && count == richMarkCount)
+        return;
+    richMarkFirst = first;
+    richMarkCount = count;
     markRich();
 }
 

@@ -374,6 +374,13 @@ void TstDiffWin::editingItemsActOnTheFocusedPane()
     };
 
     pane->select(pane->CharacterPosition(1) - 1, 8);
+    // Stepping to a difference, and the redraw after it, leave the focus and the selection.
+    emit w->Timer2->Action();
+    emit w->Timer1->Action();
+    QTRY_VERIFY(w->resultIsCurrent());
+    QTest::mouseClick(w->NextBtn, Qt::LeftButton);
+    emit w->Timer1->Action();
+    QVERIFY(w->txtBox[1]->highlightFirst() >= 0);
     QVERIFY(bar.isEnabledNow(item("EditCut")));
     bar.choose(item("EditCut"));
     QCOMPARE(pane->Lines(), (QStringList{"keep this", ""}));
