@@ -316,14 +316,15 @@ bool DiffWin::updateDiffCanvas()
     for (const SeqDiff::Difference& d :
         bandsHidden ? std::span<const SeqDiff::Difference>() : std::span(diffs)) {
         const indicator::Band band = indicator::bandOf(d, left, right);
+        if (curLine != -1 && curLine == d.DeletedStart())
+            current = &d;
         if (!band.inverted()) {
             if (canvasClicked)
                 clickBand(band, diffIndex);
-            unsigned colour = kDiffColour;
-            if (curLine != -1 && curLine == d.DeletedStart()) {
-                colour = kCurrentColour;
+            // A click may just have made this one current.
+            if (curLine != -1 && curLine == d.DeletedStart())
                 current = &d;
-            }
+            const unsigned colour = current == &d ? kCurrentColour : kDiffColour;
             g.setForeColor(colour);
             g.FillPolygon(indicator::fillPolygon(band, int(g.Width())));
             g.setDrawingColor(0x000000);
@@ -399,7 +400,9 @@ std::vector<DiffWin::LinePair> DiffWin::pairsInView() const
 
 void DiffWin::requestInline(std::vector<LinePair> wanted)
 {
-    if (inlineRevisions != revisions()) {
+    // A long walk through a long text would keep every pair it passed.
+    constexpr std::size_t kMostKept = 20000;
+    if (inlineRevisions != revisions() || inlineKnown.size() > kMostKept) {
         dropInline();
         inlineRevisions = revisions();
     }
