@@ -616,7 +616,7 @@ void PlainPane::followEdit(qsizetype fromLine, qsizetype toLine, qsizetype added
     const qsizetype end = markFirst + markCount;
     if (toLine < markFirst) {
         markFirst = std::max<qsizetype>(markFirst + added, fromLine);
-    } else if (fromLine < end || (markCount == 0 && fromLine < markFirst)) {
+    } else if (fromLine < end) {
         // The edit reaches into the lines: they keep what is left of them.
         const qsizetype first = std::min(markFirst, fromLine);
         markCount = std::max<qsizetype>(end + added, first) - first;
@@ -649,11 +649,8 @@ void PlainPane::paintMarks(QPainter& p, qsizetype first, qsizetype last, qreal l
     auto k = std::lower_bound(marked.begin(), marked.end(), first,
         [](const LineSpan& s, qsizetype l) { return s.line < l; });
     for (; k != marked.end() && k->line <= last; ++k) {
-        if (k->line >= text.lineCount())
-            break;
-        const auto size = qsizetype(text.line(k->line).size());
-        const qreal x0 = left + xOf(k->line, std::min(k->from, size));
-        const qreal x1 = left + xOf(k->line, std::min(k->to, size));
+        const qreal x0 = left + xOf(k->line, k->from);
+        const qreal x1 = left + xOf(k->line, k->to);
         p.fillRect(QRectF(x0, top(k->line), std::max<qreal>(x1 - x0, 2), metricsHeight), strong);
     }
 }

@@ -7,10 +7,10 @@
 #include <QBasicTimer>
 #include <QPoint>
 
-class QPainter;
-
 #include <unordered_map>
 #include <vector>
+
+class QPainter;
 
 namespace toolkit {
 
