@@ -309,6 +309,7 @@ bool DiffWin::updateDiffCanvas()
     const PaneLines right(*txtBox[1]);
     bool drawn = false;
     int diffIndex = 0;
+    indicator::NumberSpacing numbers;
     for (const SeqDiff::Difference& d :
         bandsHidden ? std::span<const SeqDiff::Difference>() : std::span(diffs)) {
         const indicator::Band band = indicator::bandOf(d, left, right);
@@ -331,8 +332,12 @@ bool DiffWin::updateDiffCanvas()
             // both sides, has none.
             const indicator::NumberPlace place
                 = indicator::numberPlace(diffIndex, band, left.Height());
-            if (place.shown && !(band.side[0].empty() && band.side[1].empty()))
-                g.DrawText(QString::number(diffIndex + 1), place.x, place.y);
+            if (place.shown && !(band.side[0].empty() && band.side[1].empty())) {
+                const QString number = QString::number(diffIndex + 1);
+                if (numbers.admit(indicator::numberBox(
+                        place, g.TextWidth(number), g.TextAscent(), g.TextDescent())))
+                    g.DrawText(number, place.x, place.y);
+            }
             drawn = true;
         }
         ++diffIndex;

@@ -71,6 +71,8 @@ private slots:
     void band();
     void numberPlace_data();
     void numberPlace();
+    void numbersKeepApart_data();
+    void numbersKeepApart();
     void pointInBand_data();
     void pointInBand();
     void clickCandidate_data();
@@ -209,6 +211,38 @@ void TstIndicator::numberPlace()
     QFETCH(QList<int>, place);
     const NumberPlace p = indicator::numberPlace(index, bandWith(rows), 398);
     QCOMPARE((QList{p.x, p.y, int(p.shown)}), place);
+}
+
+void TstIndicator::numbersKeepApart_data()
+{
+    QTest::addColumn<QList<int>>("baselines"); // of numbers 1, 2, 3 … in that order
+    QTest::addColumn<QList<bool>>("drawn");
+    // Boxes reach 11 rows above the baseline and 3 below: 14 rows from one to the next are free.
+    QTest::newRow("apart") << QList{20, 40, 60} << QList{true, true, true};
+    QTest::newRow("touching") << QList{20, 34} << QList{true, true};
+    QTest::newRow("one row over") << QList{20, 33} << QList{true, false};
+    QTest::newRow("a crowd keeps every other clear")
+        << QList{20, 25, 30, 35, 40} << QList{true, false, false, true, false};
+    QTest::newRow("only drawn ones count") << QList{20, 30, 36} << QList{true, false, true};
+    QTest::newRow("upwards too") << QList{60, 50, 20} << QList{true, false, true};
+    // The tenth number stands further left, where the ninth is not: still over it.
+    QTest::newRow("two digits over one") << QList{20, 22} << QList{true, false};
+}
+
+void TstIndicator::numbersKeepApart()
+{
+    QFETCH(QList<int>, baselines);
+    QFETCH(QList<bool>, drawn);
+    NumberSpacing spacing;
+    QList<bool> got;
+    for (int i = 0; i < baselines.size(); ++i) {
+        // Indices 8, 9, …: one digit first, then two.
+        const int index = 8 + i;
+        const int digits = index < 9 ? 1 : 2;
+        const NumberPlace place{index < 9 ? 22 : 18, baselines[i], true};
+        got << spacing.admit(numberBox(place, 8 * digits, 11, 3));
+    }
+    QCOMPARE(got, drawn);
 }
 
 void TstIndicator::pointInBand_data()
