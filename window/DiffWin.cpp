@@ -154,6 +154,11 @@ void DiffWin::CreateControls()
         QStringLiteral("Text encoding:"), centred);
     TEBMenu[0] = button("TEBMenu0", titleBack[0], {121, 35, 185, 22}, "LTR-",
         QStringLiteral("Untitled"), {{}, 0x000000, 1});
+    for (int i = 0; i < 2; ++i) {
+        titleBox[i]->setElided(true);
+        titleBox[i]->setRowsMarked(false);
+        TEBMenu[i]->setElided(true);
+    }
 
     DiffTotal = toolkit::makeLabel("DiffTotal", WinBack, {309, 35, 54, 22}, "LT--",
         QStringLiteral("0"), {{14, true}, 2, 0x803F02});

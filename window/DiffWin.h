@@ -6,6 +6,9 @@
 #include "TextEncoding.h"
 #include "Window.h"
 
+#include <QList>
+#include <QUrl>
+
 #include <array>
 #include <cstdint>
 #include <memory>
@@ -93,6 +96,8 @@ public:
     toolkit::Label* DiffLabel = nullptr;
     std::array<toolkit::Rectangle*, 2> titleBack{};
     std::array<toolkit::BevelButton*, 2> titleBox{};
+    // The folders of each title's rows, as URLs for the file manager; invalid where none fits.
+    std::array<QList<QUrl>, 2> titleFolders;
     std::array<toolkit::Label*, 2> TELabel{};
     std::array<toolkit::BevelButton*, 2> TEBMenu{};
     toolkit::BevelButton* SameFilm = nullptr;

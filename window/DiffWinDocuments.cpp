@@ -322,15 +322,28 @@ void DiffWin::MakeTitlePopup(BevelButton* button, const FolderItem& file)
 {
     button->DeleteAllRows();
     button->setCaption(file.DisplayName());
-    for (FolderItem item = file; !item.isNull(); item = item.Parent())
+    toolkit::setTooltip(button, FolderItem::escaped(file.NativeBytes()));
+    QList<QUrl>& folders = titleFolders[button == titleBox[1] ? 1 : 0];
+    folders.clear();
+    for (FolderItem item = file; !item.isNull(); item = item.Parent()) {
         button->AddRow(item.DisplayName());
+        folders.append(item.URL());
+    }
     button->RemoveRow(0);
+    if (!folders.isEmpty())
+        folders.removeFirst();
+    for (int row = 0; row < folders.size(); ++row)
+        button->setRowEnabled(row, folders.at(row).isValid());
     button->setMenuValue(-1);
 }
 
+// A row opens its folder in the desktop's file manager.
 void DiffWin::titleBox_Action(int index)
 {
+    const int row = titleBox[index]->MenuValue();
     titleBox[index]->setMenuValue(-1);
+    if (row >= 0 && row < titleFolders[index].size() && titleFolders[index].at(row).isValid())
+        toolkit::Application::ShowURL(titleFolders[index].at(row));
 }
 
 void DiffWin::ClearButton_Action()
@@ -343,6 +356,8 @@ void DiffWin::ClearBoxes()
     for (int index = 0; index < 2; ++index) {
         txtBox[index]->setText(QString());
         titleBox[index]->DeleteAllRows();
+        toolkit::setTooltip(titleBox[index], QString());
+        titleFolders[index].clear();
         initTEMenu(index);
     }
     titleBox[0]->setCaption(globals::kBoxLeft());

@@ -10,12 +10,16 @@
 #include "Timer.h"
 #include "globals.h"
 
+#include <QDesktopServices>
 #include <QDir>
 #include <QFile>
+#include <QMenu>
 #include <QMimeData>
+#include <QScopeGuard>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <QToolTip>
 #include <QUrl>
 
 #include <algorithm>
@@ -109,7 +113,28 @@ void pressEsc(bool release)
     }
 }
 
+// Text as a button or menu shows it: "&&" is one "&"; a lone "&" would be eaten as a mnemonic.
+QString onScreen(const QString& text)
+{
+    QString shown;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (text.at(i) == u'&' && (i + 1 == text.size() || text.at(++i) != u'&'))
+            return QStringLiteral("<mnemonic>");
+        shown += text.at(i);
+    }
+    return shown;
+}
+
 } // namespace
+
+class UrlCatcher : public QObject
+{
+    Q_OBJECT
+public:
+    QList<QUrl> urls;
+public slots:
+    void open(const QUrl& url) { urls << url; }
+};
 
 class TstDocuments : public QObject
 {
@@ -118,6 +143,7 @@ private slots:
     void cleanup();
     void readingByKind_data();
     void readingByKind();
+    void theTitleShowsTheFolders_data();
     void theTitleShowsTheFolders();
     void escStopsTheRead_data();
     void escStopsTheRead();
@@ -251,20 +277,55 @@ void TstDocuments::readingByKind()
     QCOMPARE(w->txtBox[1]->Text(), other);
 }
 
+void TstDocuments::theTitleShowsTheFolders_data()
+{
+    QTest::addColumn<QByteArray>("path");
+    QTest::addColumn<QString>("tip");
+    QTest::addColumn<QStringList>("rows"); // the first row is chosen
+    QTest::addColumn<QString>("opened");
+    QTest::newRow("nested") << QByteArray("/usr/share/doc/file.txt") << "/usr/share/doc/file.txt"
+                            << QStringList{"doc", "share", "usr", "/"} << "file:///usr/share/doc";
+    QTest::newRow("in the root") << QByteArray("/file.txt") << "/file.txt" << QStringList{"/"}
+                                 << "file:///";
+    QTest::newRow("ampersands") << QByteArray("/tmp/R&D/a&b.txt") << "/tmp/R&D/a&b.txt"
+                                << QStringList{"R&D", "tmp", "/"} << "file:///tmp/R%26D";
+    QTest::newRow("not UTF-8") << QByteArray("/tmp/caf\xe9/x.txt") << "/tmp/caf\\xe9/x.txt"
+                               << QStringList{"caf\\xe9", "tmp", "/"} << "file:///tmp/caf%E9";
+    QTest::newRow("reserved in URLs")
+        << QByteArray("/tmp/50% #1?/x.txt") << "/tmp/50% #1?/x.txt"
+        << QStringList{"50% #1?", "tmp", "/"} << "file:///tmp/50%25%20%231%3F";
+}
+
+// The caption and rows show names as written, the full path is the tip, and a row opens its
+// folder in the file manager.
 void TstDocuments::theTitleShowsTheFolders()
 {
+    QFETCH(QByteArray, path);
+    QFETCH(QString, tip);
+    QFETCH(QStringList, rows);
+    QFETCH(QString, opened);
+    UrlCatcher catcher;
+    QDesktopServices::setUrlHandler(QStringLiteral("file"), &catcher, "open");
+    const auto unset = qScopeGuard([] { QDesktopServices::unsetUrlHandler("file"); });
     DiffWin* w = window();
-    w->MakeTitlePopup(w->titleBox[1], toolkit::FolderItem("/usr/share/doc/file.txt"));
-    QCOMPARE(w->titleBox[1]->Caption(), QStringLiteral("file.txt"));
-    QStringList rows;
-    for (int i = 0; i < w->titleBox[1]->ListCount(); ++i)
-        rows << w->titleBox[1]->List(i);
-    QCOMPARE(rows, QStringList({"doc", "share", "usr", "/"}));
-    QCOMPARE(w->titleBox[1]->MenuValue(), -1);
-
-    w->MakeTitlePopup(w->titleBox[0], toolkit::FolderItem("/file.txt"));
-    QCOMPARE(w->titleBox[0]->ListCount(), 1);
-    QCOMPARE(w->titleBox[0]->List(0), QStringLiteral("/"));
+    toolkit::BevelButton* title = w->titleBox[1];
+    w->MakeTitlePopup(title, toolkit::FolderItem(path));
+    const QString name = toolkit::FolderItem(path).DisplayName();
+    QCOMPARE(title->Caption(), name);
+    QCOMPARE(onScreen(title->text()), name);
+    QCOMPARE(title->toolTip(), tip);
+    QStringList shownRows;
+    for (QAction* row : title->menu()->actions()) {
+        QVERIFY(!row->isCheckable());
+        QVERIFY(row->isEnabled());
+        shownRows << onScreen(row->text());
+    }
+    QCOMPARE(shownRows, rows);
+    QCOMPARE(title->MenuValue(), -1);
+    title->menu()->actions().at(0)->trigger();
+    QCOMPARE(catcher.urls.size(), 1);
+    QCOMPARE(QString::fromLatin1(catcher.urls.at(0).toEncoded()), opened);
+    QCOMPARE(title->MenuValue(), -1);
 }
 
 void TstDocuments::escStopsTheRead_data()
