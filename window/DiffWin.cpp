@@ -634,6 +634,28 @@ void DiffWin::adjustSize()
     toolkit::setWidth(titleBox[1], l.titleBoxWidth);
     toolkit::setLeft(BtnsBack, l.btnsBackLeft);
     toolkit::setLeft(SameFilm, l.sameFilmLeft);
+    layoutEncodingRow(0);
+    layoutEncodingRow(1);
     compare();
     updateFilm();
+}
+
+void DiffWin::layoutEncodingRow(int index)
+{
+    const WidthLayout l = WidthLayout::forWidth(Width(), diffCanvas->width());
+    const int row = l.encodingLabelWidth + l.encodingMenuWidth;
+    int label = TEBMenu[index]->isHidden() ? std::min(WidthLayout::kEncodingLabelWidth, row)
+                                           : l.encodingLabelWidth;
+    // A label cut at both ends says nothing: it goes, and the pop-up takes its room.
+    if (TELabel[index]->sizeHint().width() > label)
+        label = 0;
+    const int left = toolkit::windowRect(titleBack[index]).left() + 1;
+    toolkit::setLeftAndWidth(TELabel[index], left, label);
+    TELabel[index]->setVisible(label > 0);
+    QString what = label > 0 ? QString() : TELabel[index]->text();
+    if (what.endsWith(u':'))
+        what.chop(1);
+    toolkit::setTooltip(TEBMenu[index], what);
+    const int menuLeft = label > 0 ? left + l.encodingLabelWidth : left;
+    toolkit::setLeftAndWidth(TEBMenu[index], menuLeft, left + row - menuLeft);
 }

@@ -46,6 +46,8 @@ public:
     void initTops();
     // Lays the panes and the indicator out for the window's width, then compares and redraws.
     void adjustSize();
+    // The encoding label and pop-up of a title panel, for the window's width and the label's text.
+    void layoutEncodingRow(int index);
     // Paints the indicator anew, answers a pending click and selects the current difference's
     // lines. True when at least one band was drawn.
     bool updateDiffCanvas();

@@ -193,6 +193,7 @@ void DiffWin::readStyled(const FolderItem& file, int index, TextArea* pane, cons
     SameFilm->setVisible(false);
     TELabel[index]->setText(QStringLiteral("RichText(") + ext + QLatin1Char(')'));
     TEBMenu[index]->setVisible(false);
+    layoutEncodingRow(index);
 }
 
 void DiffWin::readPlain(const FolderItem& file, int index, TextArea* pane, BevelButton* title)
@@ -293,6 +294,7 @@ void DiffWin::initTEMenu(int index)
     TEBMenu[index]->setMenuValue(0);
     TEBMenu[index]->setCaption(TEBMenu[index]->List(0));
     encodingMode[index] = 0;
+    layoutEncodingRow(index);
 }
 
 void DiffWin::TEBMenu_Open(int index)
