@@ -22,6 +22,7 @@
 #include "WidthLayout.h"
 #include "globals.h"
 
+#include <QPalette>
 #include <QTimer>
 
 #include <algorithm>
@@ -101,9 +102,13 @@ void DiffWin::CreateControls()
         "txtBack1", WinBack, {363, 10, 291, 450}, "LT-B", 0x000000, 0x000000);
     txtBack[0] = toolkit::makeRectangle(
         "txtBack0", WinBack, {18, 10, 291, 450}, "LT-B", 0x000000, 0x000000);
-    // The black frames show only while something is dragged over the window.
-    txtBack[0]->setVisible(false);
-    txtBack[1]->setVisible(false);
+    // The frames show only while files are dragged over the window, around the pane that would
+    // take them, in the desktop's selection colour so that they catch the eye.
+    for (toolkit::Rectangle* frame : txtBack) {
+        const QColor mark = frame->palette().color(QPalette::Highlight);
+        frame->FillColor = frame->TopLeftColor = frame->BottomRightColor = mark;
+        frame->setVisible(false);
+    }
     txtBox[0] = pane("txtBox0", WinBack, {20, 59, 287, 398}, "LT-B", globals::kOriginalSampleT());
     txtBox[1]
         = pane("txtBox1", WinBack, {365, 59, 287, 398}, "LTRB", globals::kSubstituteSampleT());

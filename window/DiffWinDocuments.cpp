@@ -379,6 +379,7 @@ bool DiffWin::WinBack_DragEnter(DragItem& obj)
     if (obj.NextItem())
         txtBack[1]->setVisible(true);
     toolkit::setTooltip(WinBack, globals::kDropHTag());
+    toolkit::showTooltipNow(WinBack);
     return false;
 }
 
@@ -387,10 +388,13 @@ void DiffWin::WinBack_DragExit()
     txtBack[0]->setVisible(false);
     txtBack[1]->setVisible(false);
     toolkit::setTooltip(WinBack, QString());
+    toolkit::hideTooltip();
 }
 
 void DiffWin::WinBack_DropObject(DragItem& obj)
 {
+    // The tip is for choosing where to drop; it goes before the read.
+    toolkit::hideTooltip();
     respondDrop(obj, 0);
     txtBack[0]->setVisible(false);
     txtBack[1]->setVisible(false);
@@ -403,6 +407,7 @@ bool DiffWin::txtBox_DragEnter(int index, DragItem& obj)
         return false;
     txtBack[index]->setVisible(true);
     toolkit::setTooltip(txtBox[index], globals::kDropHTag());
+    toolkit::showTooltipNow(txtBox[index]);
     return false;
 }
 
@@ -410,10 +415,12 @@ void DiffWin::txtBox_DragExit(int index)
 {
     txtBack[index]->setVisible(false);
     toolkit::setTooltip(txtBox[index], QString());
+    toolkit::hideTooltip();
 }
 
 void DiffWin::txtBox_DropObject(int index, DragItem& obj)
 {
+    toolkit::hideTooltip();
     txtBack[index]->setVisible(false);
     respondDrop(obj, index);
     toolkit::setTooltip(txtBox[index], QString());

@@ -561,9 +561,15 @@ void TstDocuments::dragFeedback()
     QCoreApplication::sendEvent(on, &enter);
     QVERIFY(enter.isAccepted());
     QCOMPARE(QList<bool>({!w->txtBack[0]->isHidden(), !w->txtBack[1]->isHidden()}), frames);
+    // The tip shows at once with a frame, since a drag brings no hover of its own.
+    const bool framed = frames.contains(true);
+    QCOMPARE(QToolTip::isVisible(), framed);
+    if (framed)
+        QCOMPARE(QToolTip::text(), globals::kDropHTag().replace('\r', '\n'));
     QDragLeaveEvent leave;
     QCoreApplication::sendEvent(on, &leave);
     QVERIFY(w->txtBack[0]->isHidden() && w->txtBack[1]->isHidden());
+    QTRY_VERIFY(!QToolTip::isVisible());
 }
 
 void TstDocuments::dropsShareFilesOut_data()
