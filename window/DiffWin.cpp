@@ -28,6 +28,8 @@
 #include <algorithm>
 #include <span>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 using toolkit::BevelButton;
 using toolkit::Label;
@@ -320,6 +322,8 @@ bool DiffWin::updateDiffCanvas()
     bool drawn = false;
     int diffIndex = 0;
     indicator::NumberSpacing numbers;
+    // Drawn after every band, so that a later band doesn't cover an earlier number.
+    std::vector<std::pair<QString, indicator::NumberPlace>> shownNumbers;
     for (const SeqDiff::Difference& d :
         bandsHidden ? std::span<const SeqDiff::Difference>() : std::span(diffs)) {
         const indicator::Band band = indicator::bandOf(d, left, right);
@@ -346,12 +350,15 @@ bool DiffWin::updateDiffCanvas()
                 const QString number = QString::number(diffIndex + 1);
                 if (numbers.admit(indicator::numberBox(
                         place, g.TextWidth(number), g.TextAscent(), g.TextDescent())))
-                    g.DrawText(number, place.x, place.y);
+                    shownNumbers.push_back({number, place});
             }
             drawn = true;
         }
         ++diffIndex;
     }
+    g.setDrawingColor(0x000000);
+    for (const auto& [number, place] : shownNumbers)
+        g.DrawText(number, place.x, place.y);
     canvasClicked = false;
     if (!drawn) {
         txtBox[0]->setSelectionLength(0);
