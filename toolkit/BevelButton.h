@@ -33,7 +33,6 @@ public:
     QString List(int row) const;
     int ListCount() const { return static_cast<int>(rows.size()); }
     void setRowEnabled(int row, bool on);
-    bool RowEnabled(int row) const { return row >= 0 && row < rows.size() && enabled.at(row); }
     int MenuValue() const { return menuValue; }
     void setMenuValue(int row);
 

@@ -4,7 +4,7 @@
 // so it can be checked without a window.
 struct WidthLayout
 {
-    int half; // each side's share: its black frame's width
+    int half; // each side's share: the width of its drop frame
     int paneWidth; // txtBox and titleBack
     int titleBoxWidth;
     // The encoding row of a title panel: its label, then the pop-up to the panel's right edge.

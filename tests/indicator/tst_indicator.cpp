@@ -215,18 +215,14 @@ void TstIndicator::numberPlace()
 
 void TstIndicator::numbersKeepApart_data()
 {
-    QTest::addColumn<QList<int>>("baselines"); // of numbers 1, 2, 3 … in that order
+    QTest::addColumn<QList<int>>("baselines"); // of numbers 9, 10, 11 … in that order
     QTest::addColumn<QList<bool>>("drawn");
-    // Boxes reach 11 rows above the baseline and 3 below: 14 rows from one to the next are free.
-    QTest::newRow("apart") << QList{20, 40, 60} << QList{true, true, true};
-    QTest::newRow("touching") << QList{20, 34} << QList{true, true};
+    // Boxes reach 11 rows above the baseline and 3 below: 14 rows apart they touch.
+    QTest::newRow("touching") << QList{20, 34, 48} << QList{true, true, true};
     QTest::newRow("one row over") << QList{20, 33} << QList{true, false};
-    QTest::newRow("a crowd keeps every other clear")
-        << QList{20, 25, 30, 35, 40} << QList{true, false, false, true, false};
+    QTest::newRow("a crowd") << QList{20, 25, 30, 35, 40} << QList{true, false, false, true, false};
     QTest::newRow("only drawn ones count") << QList{20, 30, 36} << QList{true, false, true};
-    QTest::newRow("upwards too") << QList{60, 50, 20} << QList{true, false, true};
-    // The tenth number stands further left, where the ninth is not: still over it.
-    QTest::newRow("two digits over one") << QList{20, 22} << QList{true, false};
+    QTest::newRow("upwards") << QList{60, 50, 20} << QList{true, false, true};
 }
 
 void TstIndicator::numbersKeepApart()
@@ -235,13 +231,9 @@ void TstIndicator::numbersKeepApart()
     QFETCH(QList<bool>, drawn);
     NumberSpacing spacing;
     QList<bool> got;
-    for (int i = 0; i < baselines.size(); ++i) {
-        // Indices 8, 9, …: one digit first, then two.
-        const int index = 8 + i;
-        const int digits = index < 9 ? 1 : 2;
-        const NumberPlace place{index < 9 ? 22 : 18, baselines[i], true};
-        got << spacing.admit(numberBox(place, 8 * digits, 11, 3));
-    }
+    // The ninth number stands at 22, one digit wide; the later ones at 18, two digits wide.
+    for (int i = 0; i < baselines.size(); ++i)
+        got << spacing.admit(numberBox({i ? 18 : 22, baselines[i], true}, i ? 16 : 8, 11, 3));
     QCOMPARE(got, drawn);
 }
 

@@ -78,8 +78,6 @@ private slots:
     void locksFollowTheParent();
     void nestedControlsMoveWithTheirParent();
     void menuValueFromCodeIsSilent();
-    void captionsShowAsWritten_data();
-    void captionsShowAsWritten();
     void paneLinesAreTheTextsLines_data();
     void paneLinesAreTheTextsLines();
     void storeFollowsTheSplitRule_data();
@@ -184,58 +182,6 @@ void TstToolkit::menuValueFromCodeIsSilent()
     QCOMPARE(b.MenuValue(), -1);
     QCOMPARE(b.ListCount(), 0);
     QCOMPARE(action.count(), 1);
-}
-
-void TstToolkit::captionsShowAsWritten_data()
-{
-    QTest::addColumn<QString>("caption");
-    QTest::addColumn<int>("width");
-    QTest::addColumn<bool>("cut");
-    QTest::newRow("fits") << "notes.txt" << 200 << false;
-    QTest::newRow("ampersand is a character") << "R&D notes.txt" << 200 << false;
-    QTest::newRow("long name loses its middle")
-        << "quarterly-report-of-the-northern-region-2026.txt" << 140 << true;
-    QTest::newRow("long name with ampersands")
-        << "Q&A-of-the-northern-region&the-southern-one.txt" << 140 << true;
-}
-
-// An elided caption keeps both ends, and comes back whole when the button widens.
-void TstToolkit::captionsShowAsWritten()
-{
-    QFETCH(QString, caption);
-    QFETCH(int, width);
-    QFETCH(bool, cut);
-    // "&&" shows one "&"; a lone "&" would be eaten as a mnemonic.
-    const auto onScreen = [](const QString& text) {
-        QString shown;
-        for (qsizetype i = 0; i < text.size(); ++i) {
-            if (text.at(i) == u'&' && (i + 1 == text.size() || text.at(++i) != u'&'))
-                return QStringLiteral("<mnemonic>");
-            shown += text.at(i);
-        }
-        return shown;
-    };
-    toolkit::BevelButton b;
-    b.setMenuStyle(1);
-    b.setElided(true);
-    b.resize(width, 22);
-    b.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&b));
-    b.setCaption(caption);
-    b.AddRow(caption);
-    const QString shown = onScreen(b.text());
-    QCOMPARE(b.Caption(), caption);
-    QCOMPARE(onScreen(b.menu()->actions().at(0)->text()), caption);
-    QCOMPARE(shown.contains(QChar(0x2026)), cut);
-    if (cut) {
-        QVERIFY(shown.startsWith(caption.left(4)));
-        QVERIFY(shown.endsWith(caption.right(4)));
-        QVERIFY(b.fontMetrics().horizontalAdvance(shown) < width);
-    } else {
-        QCOMPARE(shown, caption);
-    }
-    b.resize(1000, 22);
-    QCOMPARE(onScreen(b.text()), caption);
 }
 
 void TstToolkit::paneLinesAreTheTextsLines_data()
