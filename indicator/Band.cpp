@@ -50,4 +50,18 @@ NumberPlace numberPlace(int diffIndex, const Band& band, double height)
     return {x, y, y > 10 && height > y};
 }
 
+NumberBox numberBox(const NumberPlace& place, int textWidth, int ascent, int descent)
+{
+    return {place.x, place.y - ascent, place.x + textWidth, place.y + descent};
+}
+
+bool NumberSpacing::admit(const NumberBox& box)
+{
+    if (any && box.overlaps(last))
+        return false;
+    last = box;
+    any = true;
+    return true;
+}
+
 } // namespace indicator

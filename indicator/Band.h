@@ -45,4 +45,33 @@ struct NumberPlace
 };
 NumberPlace numberPlace(int diffIndex, const Band& band, double height);
 
+// The rows and columns a number covers: its text's width from x, the font's ascent above the
+// baseline and its descent below. Right and bottom are one past the box.
+struct NumberBox
+{
+    int left = 0;
+    int top = 0;
+    int right = 0;
+    int bottom = 0;
+
+    bool overlaps(const NumberBox& other) const
+    {
+        return left < other.right && other.left < right && top < other.bottom && other.top < bottom;
+    }
+};
+NumberBox numberBox(const NumberPlace& place, int textWidth, int ascent, int descent);
+
+// Numbers of bands close together would print over each other: one whose box overlaps the
+// last one drawn is left out.
+class NumberSpacing
+{
+public:
+    // Whether the number may be drawn; if so, it becomes the last one drawn.
+    bool admit(const NumberBox& box);
+
+private:
+    NumberBox last;
+    bool any = false;
+};
+
 } // namespace indicator

@@ -48,7 +48,12 @@ void Application::MsgBox(const QString& text)
 
 void Application::ShowURL(const QString& address)
 {
-    QDesktopServices::openUrl(QUrl(address, QUrl::TolerantMode));
+    ShowURL(QUrl(address, QUrl::TolerantMode));
+}
+
+void Application::ShowURL(const QUrl& url)
+{
+    QDesktopServices::openUrl(url);
 }
 
 } // namespace toolkit

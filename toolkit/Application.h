@@ -34,6 +34,7 @@ public:
     static void MsgBox(const QString& text);
     // Hands a web or mail address to the desktop; a failure is not reported.
     static void ShowURL(const QString& address);
+    static void ShowURL(const QUrl& url);
 
 private:
     static inline bool quitting_ = false;

@@ -121,6 +121,17 @@ FolderItem FolderItem::Parent() const
     return FolderItem(slash <= 0 ? QByteArray("/") : path.left(slash));
 }
 
+QUrl FolderItem::URL() const
+{
+    if (isNull())
+        return {};
+    // Byte by byte, so that a name that is not UTF-8 keeps its bytes.
+    const QUrl url = QUrl::fromEncoded("file://" + path.toPercentEncoding("/"), QUrl::StrictMode);
+    const QByteArray named
+        = QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1());
+    return url.isValid() && url.isLocalFile() && named == path ? url : QUrl();
+}
+
 QString FolderItem::escaped(QByteArrayView bytes)
 {
     QString text;

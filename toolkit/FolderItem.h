@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QUrl>
 
 namespace toolkit {
 
@@ -36,6 +37,9 @@ public:
     bool IsFolder() const;
     // Null at the top of the path.
     FolderItem Parent() const;
+    // A file URL that names exactly these bytes, for handing to other programs; invalid when
+    // there is none.
+    QUrl URL() const;
 
     // Bytes as a line of text: what is not valid UTF-8 shows as \xNN, control characters as
     // \n, \t or \xNN, and line and paragraph separators and direction marks as \u{…}.

@@ -2,8 +2,11 @@
 
 #include "Style.h"
 
+#include <QFontMetricsF>
 #include <QPen>
 #include <QPolygon>
+
+#include <cmath>
 
 namespace toolkit {
 
@@ -61,15 +64,38 @@ void Graphics::FillPolygon(std::span<const int> points)
     painter.setPen(Qt::NoPen);
 }
 
+void Graphics::applyFont()
+{
+    if (!fontChanged)
+        return;
+    QFont f = fontName == QLatin1String("System") ? systemFont() : QFont(fontName);
+    if (fontSize > 0)
+        f.setPixelSize(qRound(fontSize));
+    painter.setFont(f);
+    fontChanged = false;
+}
+
+int Graphics::TextWidth(const QString& text)
+{
+    applyFont();
+    return int(std::ceil(QFontMetricsF(painter.font()).horizontalAdvance(text)));
+}
+
+int Graphics::TextAscent()
+{
+    applyFont();
+    return int(std::ceil(QFontMetricsF(painter.font()).ascent()));
+}
+
+int Graphics::TextDescent()
+{
+    applyFont();
+    return int(std::ceil(QFontMetricsF(painter.font()).descent()));
+}
+
 void Graphics::DrawText(const QString& text, double x, double y)
 {
-    if (fontChanged) {
-        QFont f = fontName == QLatin1String("System") ? systemFont() : QFont(fontName);
-        if (fontSize > 0)
-            f.setPixelSize(qRound(fontSize));
-        painter.setFont(f);
-        fontChanged = false;
-    }
+    applyFont();
     // Text is drawn with the pen; shapes only fill.
     painter.setPen(rgb(colour));
     painter.drawText(QPointF(x, y), text);

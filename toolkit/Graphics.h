@@ -30,8 +30,13 @@ public:
     void FillPolygon(std::span<const int> points);
     // y is the baseline.
     void DrawText(const QString& text, double x, double y);
+    // The extent of a text in the font set now, in whole pixels.
+    int TextWidth(const QString& text);
+    int TextAscent();
+    int TextDescent();
 
 private:
+    void applyFont();
     QPainter painter;
     double width;
     double height;

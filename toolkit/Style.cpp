@@ -1,7 +1,10 @@
 #include "Style.h"
 
+#include <QCursor>
 #include <QFontDatabase>
 #include <QPalette>
+#include <QTextDocument>
+#include <QToolTip>
 #include <QWidget>
 
 namespace toolkit {
@@ -31,7 +34,21 @@ void setTooltip(QWidget* w, const QString& text)
 {
     QString t = text;
     t.replace(QLatin1String("\r\n"), QLatin1String("\n")).replace(u'\r', u'\n');
+    // Shown as written: a file name such as "<b>.txt" is no markup.
+    if (Qt::mightBeRichText(t))
+        t = QStringLiteral("<p style='white-space:pre-wrap'>") + t.toHtmlEscaped()
+            + QStringLiteral("</p>");
     w->setToolTip(t);
+}
+
+void showTooltipNow(QWidget* w)
+{
+    QToolTip::showText(QCursor::pos(), w->toolTip(), w, QRect(), 60'000);
+}
+
+void hideTooltip()
+{
+    QToolTip::hideText();
 }
 
 } // namespace toolkit

@@ -23,5 +23,9 @@ inline QColor rgb(unsigned value)
 void setTextColor(QWidget* w, QColor color);
 // Tooltips come with CR line breaks; Qt breaks tooltip lines at LF.
 void setTooltip(QWidget* w, const QString& text);
+// Shows the control's tooltip at the pointer at once, for a hover that brings no hover events
+// of its own (a drag of files), until hideTooltip or a minute has passed.
+void showTooltipNow(QWidget* w);
+void hideTooltip();
 
 } // namespace toolkit

@@ -6,6 +6,7 @@
 
 #include <QCloseEvent>
 #include <QEventLoop>
+#include <QLayout>
 #include <QMenuBar>
 #include <QMouseEvent>
 
@@ -99,8 +100,12 @@ void Window::setSizeLimits(QSize minimum, QSize maximum)
 
 void Window::setResizeable(bool on)
 {
-    if (!on)
-        surface_->setFixedSize(surface_->size());
+    if (on)
+        return;
+    surface_->setFixedSize(surface_->size());
+    // The frame too: a window manager offers no maximise button for a window whose smallest and
+    // largest sizes are one.
+    layout()->setSizeConstraint(QLayout::SetFixedSize);
 }
 
 void Window::setMenuBarModel(MenuBar* bar)

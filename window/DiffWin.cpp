@@ -22,11 +22,14 @@
 #include "WidthLayout.h"
 #include "globals.h"
 
+#include <QPalette>
 #include <QTimer>
 
 #include <algorithm>
 #include <span>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 using toolkit::BevelButton;
 using toolkit::Label;
@@ -101,9 +104,13 @@ void DiffWin::CreateControls()
         "txtBack1", WinBack, {363, 10, 291, 450}, "LT-B", 0x000000, 0x000000);
     txtBack[0] = toolkit::makeRectangle(
         "txtBack0", WinBack, {18, 10, 291, 450}, "LT-B", 0x000000, 0x000000);
-    // The black frames show only while something is dragged over the window.
-    txtBack[0]->setVisible(false);
-    txtBack[1]->setVisible(false);
+    // The frames show only while files are dragged over the window, around the pane that would
+    // take them, in the desktop's selection colour so that they catch the eye.
+    for (toolkit::Rectangle* frame : txtBack) {
+        const QColor mark = frame->palette().color(QPalette::Highlight);
+        frame->FillColor = frame->TopLeftColor = frame->BottomRightColor = mark;
+        frame->setVisible(false);
+    }
     txtBox[0] = pane("txtBox0", WinBack, {20, 59, 287, 398}, "LT-B", globals::kOriginalSampleT());
     txtBox[1]
         = pane("txtBox1", WinBack, {365, 59, 287, 398}, "LTRB", globals::kSubstituteSampleT());
@@ -154,6 +161,11 @@ void DiffWin::CreateControls()
         QStringLiteral("Text encoding:"), centred);
     TEBMenu[0] = button("TEBMenu0", titleBack[0], {121, 35, 185, 22}, "LTR-",
         QStringLiteral("Untitled"), {{}, 0x000000, 1});
+    for (int i = 0; i < 2; ++i) {
+        titleBox[i]->setElided(true);
+        titleBox[i]->setRowsMarked(false);
+        TEBMenu[i]->setElided(true);
+    }
 
     DiffTotal = toolkit::makeLabel("DiffTotal", WinBack, {309, 35, 54, 22}, "LT--",
         QStringLiteral("0"), {{14, true}, 2, 0x803F02});
@@ -313,6 +325,9 @@ bool DiffWin::updateDiffCanvas()
     bool drawn = false;
     int diffIndex = 0;
     const SeqDiff::Difference* current = nullptr;
+    indicator::NumberSpacing numbers;
+    // Drawn after every band, so that a later band doesn't cover an earlier number.
+    std::vector<std::pair<QString, indicator::NumberPlace>> shownNumbers;
     for (const SeqDiff::Difference& d :
         bandsHidden ? std::span<const SeqDiff::Difference>() : std::span(diffs)) {
         const indicator::Band band = indicator::bandOf(d, left, right);
@@ -334,12 +349,19 @@ bool DiffWin::updateDiffCanvas()
             // both sides, has none.
             const indicator::NumberPlace place
                 = indicator::numberPlace(diffIndex, band, left.Height());
-            if (place.shown && !(band.side[0].empty() && band.side[1].empty()))
-                g.DrawText(QString::number(diffIndex + 1), place.x, place.y);
+            if (place.shown && !(band.side[0].empty() && band.side[1].empty())) {
+                const QString number = QString::number(diffIndex + 1);
+                if (numbers.admit(indicator::numberBox(
+                        place, g.TextWidth(number), g.TextAscent(), g.TextDescent())))
+                    shownNumbers.push_back({number, place});
+            }
             drawn = true;
         }
         ++diffIndex;
     }
+    g.setDrawingColor(0x000000);
+    for (const auto& [number, place] : shownNumbers)
+        g.DrawText(number, place.x, place.y);
     canvasClicked = false;
     // Records of texts since edited would mark the wrong lines: the marks follow the edits
     // until the next result.
@@ -738,6 +760,28 @@ void DiffWin::adjustSize()
     toolkit::setWidth(titleBox[1], l.titleBoxWidth);
     toolkit::setLeft(BtnsBack, l.btnsBackLeft);
     toolkit::setLeft(SameFilm, l.sameFilmLeft);
+    layoutEncodingRow(0);
+    layoutEncodingRow(1);
     compare();
     updateFilm();
+}
+
+void DiffWin::layoutEncodingRow(int index)
+{
+    const WidthLayout l = WidthLayout::forWidth(Width(), diffCanvas->width());
+    const int row = l.encodingLabelWidth + l.encodingMenuWidth;
+    int label = TEBMenu[index]->isHidden() ? std::min(WidthLayout::kEncodingLabelWidth, row)
+                                           : l.encodingLabelWidth;
+    // A label cut at both ends says nothing: it goes, and the pop-up takes its room.
+    if (TELabel[index]->sizeHint().width() > label)
+        label = 0;
+    const int left = toolkit::windowRect(titleBack[index]).left() + 1;
+    toolkit::setLeftAndWidth(TELabel[index], left, label);
+    TELabel[index]->setVisible(label > 0);
+    QString what = label > 0 ? QString() : TELabel[index]->text();
+    if (what.endsWith(u':'))
+        what.chop(1);
+    toolkit::setTooltip(TEBMenu[index], what);
+    const int menuLeft = label > 0 ? left + l.encodingLabelWidth : left;
+    toolkit::setLeftAndWidth(TEBMenu[index], menuLeft, left + row - menuLeft);
 }

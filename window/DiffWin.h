@@ -7,6 +7,9 @@
 #include "TextEncoding.h"
 #include "Window.h"
 
+#include <QList>
+#include <QUrl>
+
 #include <array>
 #include <cstdint>
 #include <map>
@@ -45,6 +48,8 @@ public:
     void initTops();
     // Lays the panes and the indicator out for the window's width, then compares and redraws.
     void adjustSize();
+    // The encoding label and pop-up of a title panel, for the window's width and the label's text.
+    void layoutEncodingRow(int index);
     // Paints the indicator anew, answers a pending click and marks the current difference's
     // lines. True when at least one band was drawn.
     bool updateDiffCanvas();
@@ -96,6 +101,8 @@ public:
     toolkit::Label* DiffLabel = nullptr;
     std::array<toolkit::Rectangle*, 2> titleBack{};
     std::array<toolkit::BevelButton*, 2> titleBox{};
+    // The folders of each title's rows, as URLs for the file manager; invalid where none fits.
+    std::array<QList<QUrl>, 2> titleFolders;
     std::array<toolkit::Label*, 2> TELabel{};
     std::array<toolkit::BevelButton*, 2> TEBMenu{};
     toolkit::BevelButton* SameFilm = nullptr;

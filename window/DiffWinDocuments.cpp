@@ -193,6 +193,7 @@ void DiffWin::readStyled(const FolderItem& file, int index, TextArea* pane, cons
     SameFilm->setVisible(false);
     TELabel[index]->setText(QStringLiteral("RichText(") + ext + QLatin1Char(')'));
     TEBMenu[index]->setVisible(false);
+    layoutEncodingRow(index);
 }
 
 void DiffWin::readPlain(const FolderItem& file, int index, TextArea* pane, BevelButton* title)
@@ -293,6 +294,7 @@ void DiffWin::initTEMenu(int index)
     TEBMenu[index]->setMenuValue(0);
     TEBMenu[index]->setCaption(TEBMenu[index]->List(0));
     encodingMode[index] = 0;
+    layoutEncodingRow(index);
 }
 
 void DiffWin::TEBMenu_Open(int index)
@@ -322,15 +324,28 @@ void DiffWin::MakeTitlePopup(BevelButton* button, const FolderItem& file)
 {
     button->DeleteAllRows();
     button->setCaption(file.DisplayName());
-    for (FolderItem item = file; !item.isNull(); item = item.Parent())
+    toolkit::setTooltip(button, FolderItem::escaped(file.NativeBytes()));
+    QList<QUrl>& folders = titleFolders[button == titleBox[1] ? 1 : 0];
+    folders.clear();
+    for (FolderItem item = file; !item.isNull(); item = item.Parent()) {
         button->AddRow(item.DisplayName());
+        folders.append(item.URL());
+    }
     button->RemoveRow(0);
+    if (!folders.isEmpty())
+        folders.removeFirst();
+    for (int row = 0; row < folders.size(); ++row)
+        button->setRowEnabled(row, folders.at(row).isValid());
     button->setMenuValue(-1);
 }
 
+// A row opens its folder in the desktop's file manager.
 void DiffWin::titleBox_Action(int index)
 {
+    const int row = titleBox[index]->MenuValue();
     titleBox[index]->setMenuValue(-1);
+    if (row >= 0 && row < titleFolders[index].size() && titleFolders[index].at(row).isValid())
+        toolkit::Application::ShowURL(titleFolders[index].at(row));
 }
 
 void DiffWin::ClearButton_Action()
@@ -343,6 +358,8 @@ void DiffWin::ClearBoxes()
     for (int index = 0; index < 2; ++index) {
         txtBox[index]->setText(QString());
         titleBox[index]->DeleteAllRows();
+        toolkit::setTooltip(titleBox[index], QString());
+        titleFolders[index].clear();
         initTEMenu(index);
     }
     titleBox[0]->setCaption(globals::kBoxLeft());
@@ -362,6 +379,7 @@ bool DiffWin::WinBack_DragEnter(DragItem& obj)
     if (obj.NextItem())
         txtBack[1]->setVisible(true);
     toolkit::setTooltip(WinBack, globals::kDropHTag());
+    toolkit::showTooltipNow(WinBack);
     return false;
 }
 
@@ -370,10 +388,13 @@ void DiffWin::WinBack_DragExit()
     txtBack[0]->setVisible(false);
     txtBack[1]->setVisible(false);
     toolkit::setTooltip(WinBack, QString());
+    toolkit::hideTooltip();
 }
 
 void DiffWin::WinBack_DropObject(DragItem& obj)
 {
+    // The tip is for choosing where to drop; it goes before the read.
+    toolkit::hideTooltip();
     respondDrop(obj, 0);
     txtBack[0]->setVisible(false);
     txtBack[1]->setVisible(false);
@@ -386,6 +407,7 @@ bool DiffWin::txtBox_DragEnter(int index, DragItem& obj)
         return false;
     txtBack[index]->setVisible(true);
     toolkit::setTooltip(txtBox[index], globals::kDropHTag());
+    toolkit::showTooltipNow(txtBox[index]);
     return false;
 }
 
@@ -393,10 +415,12 @@ void DiffWin::txtBox_DragExit(int index)
 {
     txtBack[index]->setVisible(false);
     toolkit::setTooltip(txtBox[index], QString());
+    toolkit::hideTooltip();
 }
 
 void DiffWin::txtBox_DropObject(int index, DragItem& obj)
 {
+    toolkit::hideTooltip();
     txtBack[index]->setVisible(false);
     respondDrop(obj, index);
     toolkit::setTooltip(txtBox[index], QString());

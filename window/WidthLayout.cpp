@@ -1,5 +1,7 @@
 #include "WidthLayout.h"
 
+#include <algorithm>
+
 WidthLayout WidthLayout::forWidth(int windowWidth, int canvasWidth)
 {
     WidthLayout l{};
@@ -7,6 +9,10 @@ WidthLayout WidthLayout::forWidth(int windowWidth, int canvasWidth)
     l.half = static_cast<int>((windowWidth - canvasWidth - 40) / 2.0);
     l.paneWidth = l.half - 4;
     l.titleBoxWidth = l.half - 6;
+    // One pixel of the panel's edge on either side.
+    const int row = l.paneWidth - 2;
+    l.encodingMenuWidth = std::max(row - kEncodingLabelWidth, std::min(kEncodingMenuMin, row));
+    l.encodingLabelWidth = row - l.encodingMenuWidth;
     l.canvasLeft = kPaneLeft + l.half - 2;
     l.right = l.canvasLeft + canvasWidth;
     l.btnsBackLeft = l.canvasLeft - 37;

@@ -71,6 +71,8 @@ private slots:
     void band();
     void numberPlace_data();
     void numberPlace();
+    void numbersKeepApart_data();
+    void numbersKeepApart();
     void pointInBand_data();
     void pointInBand();
     void clickCandidate_data();
@@ -209,6 +211,30 @@ void TstIndicator::numberPlace()
     QFETCH(QList<int>, place);
     const NumberPlace p = indicator::numberPlace(index, bandWith(rows), 398);
     QCOMPARE((QList{p.x, p.y, int(p.shown)}), place);
+}
+
+void TstIndicator::numbersKeepApart_data()
+{
+    QTest::addColumn<QList<int>>("baselines"); // of numbers 9, 10, 11 … in that order
+    QTest::addColumn<QList<bool>>("drawn");
+    // Boxes reach 11 rows above the baseline and 3 below: 14 rows apart they touch.
+    QTest::newRow("touching") << QList{20, 34, 48} << QList{true, true, true};
+    QTest::newRow("one row over") << QList{20, 33} << QList{true, false};
+    QTest::newRow("a crowd") << QList{20, 25, 30, 35, 40} << QList{true, false, false, true, false};
+    QTest::newRow("only drawn ones count") << QList{20, 30, 36} << QList{true, false, true};
+    QTest::newRow("upwards") << QList{60, 50, 20} << QList{true, false, true};
+}
+
+void TstIndicator::numbersKeepApart()
+{
+    QFETCH(QList<int>, baselines);
+    QFETCH(QList<bool>, drawn);
+    NumberSpacing spacing;
+    QList<bool> got;
+    // The ninth number stands at 22, one digit wide; the later ones at 18, two digits wide.
+    for (int i = 0; i < baselines.size(); ++i)
+        got << spacing.admit(numberBox({i ? 18 : 22, baselines[i], true}, i ? 16 : 8, 11, 3));
+    QCOMPARE(got, drawn);
 }
 
 void TstIndicator::pointInBand_data()

@@ -118,9 +118,12 @@ private slots:
         QTest::addColumn<QSize>("size");
         QTest::addColumn<QSize>("minimum");
         QTest::addColumn<bool>("hasMenuBar");
-        QTest::newRow("Help") << "Help" << QSize(400, 400) << QSize(64, 64) << true;
-        QTest::newRow("About, fixed") << "About" << QSize(380, 400) << QSize(380, 400) << false;
-        QTest::newRow("Copyright") << "License" << QSize(550, 586) << QSize(400, 500) << true;
+        QTest::addColumn<bool>("fixed"); // the frame too, so a window manager offers no maximise
+        QTest::newRow("Help") << "Help" << QSize(400, 400) << QSize(64, 64) << true << false;
+        QTest::newRow("About, fixed")
+            << "About" << QSize(380, 400) << QSize(380, 400) << false << true;
+        QTest::newRow("Copyright")
+            << "License" << QSize(550, 586) << QSize(400, 500) << true << false;
     }
     void windows()
     {
@@ -133,6 +136,8 @@ private slots:
         QCOMPARE(QSize(w.Width(), w.Height()), size);
         QCOMPARE(w.menuBarModel() == &MenuBar1::instance(), hasMenuBar);
         QVERIFY(!(w.windowFlags() & Qt::WindowMaximizeButtonHint));
+        QFETCH(bool, fixed);
+        QCOMPARE(w.minimumSize() == w.maximumSize(), fixed);
         // Asked for less than the minimum, the content stops at it.
         w.setSize(10, 10);
         QTRY_COMPARE(QSize(w.Width(), w.Height()), minimum);

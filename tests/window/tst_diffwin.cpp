@@ -71,10 +71,13 @@ void TstDiffWin::widthArithmetic_data()
     QTest::addColumn<int>("canvasLeft");
     QTest::addColumn<int>("rightPaneLeft");
     QTest::addColumn<int>("sameFilmLeft");
-    QTest::newRow("default 672") << 672 << 289 << 307 << 363 << 303;
-    QTest::newRow("odd 673: spare pixel to the right") << 673 << 289 << 307 << 363 << 303;
-    QTest::newRow("minimum 320") << 320 << 113 << 131 << 187 << 127;
-    QTest::newRow("wide 1000") << 1000 << 453 << 471 << 527 << 467;
+    QTest::addColumn<int>("encodingMenuWidth"); // the label takes the rest of the row
+    QTest::newRow("default 672") << 672 << 289 << 307 << 363 << 303 << 183;
+    QTest::newRow("odd 673: spare pixel to the right") << 673 << 289 << 307 << 363 << 303 << 183;
+    QTest::newRow("500: the label gives way") << 500 << 203 << 221 << 277 << 217 << 120;
+    QTest::newRow("400") << 400 << 153 << 171 << 227 << 167 << 120;
+    QTest::newRow("minimum 320: the pop-up has the row") << 320 << 113 << 131 << 187 << 127 << 107;
+    QTest::newRow("wide 1000") << 1000 << 453 << 471 << 527 << 467 << 347;
 }
 
 void TstDiffWin::widthArithmetic()
@@ -91,6 +94,9 @@ void TstDiffWin::widthArithmetic()
     QCOMPARE(l.canvasLeft, canvasLeft);
     QCOMPARE(l.right + 2, rightPaneLeft);
     QCOMPARE(l.sameFilmLeft, sameFilmLeft);
+    QFETCH(int, encodingMenuWidth);
+    QCOMPARE(l.encodingMenuWidth, encodingMenuWidth);
+    QCOMPARE(l.encodingLabelWidth + l.encodingMenuWidth, l.paneWidth - 2);
     // The left margin is always 20; the right one takes what is left.
     const int rightMargin = width - (rightPaneLeft + l.paneWidth);
     QVERIFY(rightMargin == 24 || rightMargin == 25);
@@ -179,6 +185,7 @@ void TstDiffWin::resizeKeepsTheRows_data()
     QTest::addColumn<QSize>("size");
     QTest::newRow("larger") << QSize(900, 700);
     QTest::newRow("minimum") << QSize(320, 150);
+    QTest::newRow("narrow") << QSize(420, 500);
     QTest::newRow("odd width") << QSize(673, 500);
 }
 
@@ -198,7 +205,12 @@ void TstDiffWin::resizeKeepsTheRows()
         QCOMPARE(w->titleBox[i]->width(), l.titleBoxWidth);
         // The encoding pop-up keeps its right edge one pixel inside its title panel.
         QCOMPARE(windowRect(w->TEBMenu[i]).right(), windowRect(w->titleBack[i]).right() - 1);
-        QCOMPARE(windowRect(w->TELabel[i]).left(), windowRect(w->titleBack[i]).left() + 1);
+        // Beside it the label, or where there is no room for its words, nothing.
+        const QRect label = windowRect(w->TELabel[i]);
+        QCOMPARE(label.left(), windowRect(w->titleBack[i]).left() + 1);
+        QVERIFY(w->TELabel[i]->isHidden() || w->TELabel[i]->sizeHint().width() <= label.width());
+        QCOMPARE(windowRect(w->TEBMenu[i]).left(),
+            w->TELabel[i]->isHidden() ? label.left() : label.left() + l.encodingLabelWidth);
     }
     QCOMPARE(windowRect(w->txtBox[0]).left(), 20);
     QCOMPARE(windowRect(w->txtBox[1]).left(), l.right + 2);

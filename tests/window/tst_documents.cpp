@@ -10,12 +10,16 @@
 #include "Timer.h"
 #include "globals.h"
 
+#include <QDesktopServices>
 #include <QDir>
 #include <QFile>
+#include <QMenu>
 #include <QMimeData>
+#include <QScopeGuard>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <QToolTip>
 #include <QUrl>
 
 #include <algorithm>
@@ -111,6 +115,15 @@ void pressEsc(bool release)
 
 } // namespace
 
+class UrlCatcher : public QObject
+{
+    Q_OBJECT
+public:
+    QList<QUrl> urls;
+public slots:
+    void open(const QUrl& url) { urls << url; }
+};
+
 class TstDocuments : public QObject
 {
     Q_OBJECT
@@ -118,6 +131,7 @@ private slots:
     void cleanup();
     void readingByKind_data();
     void readingByKind();
+    void theTitleShowsTheFolders_data();
     void theTitleShowsTheFolders();
     void escStopsTheRead_data();
     void escStopsTheRead();
@@ -251,20 +265,57 @@ void TstDocuments::readingByKind()
     QCOMPARE(w->txtBox[1]->Text(), other);
 }
 
+void TstDocuments::theTitleShowsTheFolders_data()
+{
+    QTest::addColumn<QByteArray>("path");
+    QTest::addColumn<QString>("tip");
+    QTest::addColumn<QStringList>("rows"); // choosing the first opens `opened`
+    QTest::addColumn<QString>("opened");
+    QTest::newRow("nested") << QByteArray("/usr/share/doc/file.txt") << "/usr/share/doc/file.txt"
+                            << QStringList{"doc", "share", "usr", "/"} << "file:///usr/share/doc";
+    QTest::newRow("in the root") << QByteArray("/file.txt") << "/file.txt" << QStringList{"/"}
+                                 << "file:///";
+    QTest::newRow("ampersands, reserved in URLs")
+        << QByteArray("/tmp/R&D 50% #1?/a&b.txt") << "/tmp/R&D 50% #1?/a&b.txt"
+        << QStringList{"R&D 50% #1?", "tmp", "/"} << "file:///tmp/R%26D%2050%25%20%231%3F";
+    QTest::newRow("not UTF-8") << QByteArray("/tmp/caf\xe9/x.txt") << "/tmp/caf\\xe9/x.txt"
+                               << QStringList{"caf\\xe9", "tmp", "/"} << "file:///tmp/caf%E9";
+    const QByteArray longName
+        = "/tmp/minutes of the quarterly planning meeting, northern region.txt";
+    QTest::newRow("long name") << longName << QString(longName) << QStringList{"tmp", "/"}
+                               << "file:///tmp";
+}
+
+// Names show as written ("&&" is how Qt shows one "&"), a long one loses its middle, the path
+// is the tip, and a row opens its folder in the file manager.
 void TstDocuments::theTitleShowsTheFolders()
 {
-    DiffWin* w = window();
-    w->MakeTitlePopup(w->titleBox[1], toolkit::FolderItem("/usr/share/doc/file.txt"));
-    QCOMPARE(w->titleBox[1]->Caption(), QStringLiteral("file.txt"));
-    QStringList rows;
-    for (int i = 0; i < w->titleBox[1]->ListCount(); ++i)
-        rows << w->titleBox[1]->List(i);
-    QCOMPARE(rows, QStringList({"doc", "share", "usr", "/"}));
-    QCOMPARE(w->titleBox[1]->MenuValue(), -1);
-
-    w->MakeTitlePopup(w->titleBox[0], toolkit::FolderItem("/file.txt"));
-    QCOMPARE(w->titleBox[0]->ListCount(), 1);
-    QCOMPARE(w->titleBox[0]->List(0), QStringLiteral("/"));
+    QFETCH(QByteArray, path);
+    QFETCH(QString, tip);
+    QFETCH(QStringList, rows);
+    QFETCH(QString, opened);
+    UrlCatcher catcher;
+    QDesktopServices::setUrlHandler(QStringLiteral("file"), &catcher, "open");
+    const auto unset = qScopeGuard([] { QDesktopServices::unsetUrlHandler("file"); });
+    toolkit::BevelButton* title = window()->titleBox[1];
+    window()->MakeTitlePopup(title, toolkit::FolderItem(path));
+    const QString name = tip.mid(tip.lastIndexOf('/') + 1), shown = title->text();
+    QCOMPARE(title->Caption(), name);
+    if (title->fontMetrics().horizontalAdvance(name) < title->width() - 30)
+        QCOMPARE(shown, QString(name).replace('&', "&&"));
+    else
+        QVERIFY(shown.contains(u'…') && shown.startsWith(name.left(4)) && shown.endsWith(".txt"));
+    QCOMPARE(title->toolTip(), tip);
+    QStringList shownRows;
+    for (QAction* row : title->menu()->actions()) {
+        QVERIFY(!row->isCheckable() && row->isEnabled());
+        shownRows << row->text();
+    }
+    QCOMPARE(shownRows, rows.replaceInStrings("&", "&&"));
+    title->menu()->actions().at(0)->trigger();
+    QCOMPARE(catcher.urls.size(), 1);
+    QCOMPARE(QString::fromLatin1(catcher.urls.at(0).toEncoded()), opened);
+    QCOMPARE(title->MenuValue(), -1);
 }
 
 void TstDocuments::escStopsTheRead_data()
@@ -500,9 +551,15 @@ void TstDocuments::dragFeedback()
     QCoreApplication::sendEvent(on, &enter);
     QVERIFY(enter.isAccepted());
     QCOMPARE(QList<bool>({!w->txtBack[0]->isHidden(), !w->txtBack[1]->isHidden()}), frames);
+    // The tip shows at once with a frame, since a drag brings no hover of its own.
+    const bool framed = frames.contains(true);
+    QCOMPARE(QToolTip::isVisible(), framed);
+    if (framed)
+        QCOMPARE(QToolTip::text(), globals::kDropHTag().replace('\r', '\n'));
     QDragLeaveEvent leave;
     QCoreApplication::sendEvent(on, &leave);
     QVERIFY(w->txtBack[0]->isHidden() && w->txtBack[1]->isHidden());
+    QTRY_VERIFY(!QToolTip::isVisible());
 }
 
 void TstDocuments::dropsShareFilesOut_data()
