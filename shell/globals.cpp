@@ -387,4 +387,122 @@ QString kNoticeClose()
     return lookUp(QT_TRID_NOOP("globals.kNoticeClose"), u"Close");
 }
 
+QString kFileM()
+{
+    //% "File"
+    return lookUp(QT_TRID_NOOP("globals.kFileM"), u"File");
+}
+
+QString kFileOpenLeft()
+{
+    //% "Open Left…"
+    return lookUp(QT_TRID_NOOP("globals.kFileOpenLeft"), u"Open Left…");
+}
+
+QString kFileOpenRight()
+{
+    //% "Open Right…"
+    return lookUp(QT_TRID_NOOP("globals.kFileOpenRight"), u"Open Right…");
+}
+
+QString kFileReload()
+{
+    //% "Reload"
+    return lookUp(QT_TRID_NOOP("globals.kFileReload"), u"Reload");
+}
+
+QString kViewM()
+{
+    //% "View"
+    return lookUp(QT_TRID_NOOP("globals.kViewM"), u"View");
+}
+
+QString kViewTop()
+{
+    //% "Top"
+    return lookUp(QT_TRID_NOOP("globals.kViewTop"), u"Top");
+}
+
+QString kViewPrev()
+{
+    //% "Previous"
+    return lookUp(QT_TRID_NOOP("globals.kViewPrev"), u"Previous");
+}
+
+QString kViewNext()
+{
+    //% "Next"
+    return lookUp(QT_TRID_NOOP("globals.kViewNext"), u"Next");
+}
+
+QString kViewBottom()
+{
+    //% "Bottom"
+    return lookUp(QT_TRID_NOOP("globals.kViewBottom"), u"Bottom");
+}
+
+QString kNoticePermission()
+{
+    //% "permission to read it is denied"
+    return lookUp(QT_TRID_NOOP("globals.kNoticePermission"), u"permission to read it is denied");
+}
+
+QString kNoticeFolder()
+{
+    //% "it is a folder"
+    return lookUp(QT_TRID_NOOP("globals.kNoticeFolder"), u"it is a folder");
+}
+
+QString kNoticeSpecial()
+{
+    //% "it is a device, a FIFO or a socket"
+    return lookUp(QT_TRID_NOOP("globals.kNoticeSpecial"), u"it is a device, a FIFO or a socket");
+}
+
+QString kNoticeTooLarge()
+{
+    //% "it is too large to show"
+    return lookUp(QT_TRID_NOOP("globals.kNoticeTooLarge"), u"it is too large to show");
+}
+
+QString kNoticeChanged()
+{
+    //% "%1 has changed on disk."
+    return lookUp(QT_TRID_NOOP("globals.kNoticeChanged"), u"%1 has changed on disk.");
+}
+
+QString kNoticeChangedEdited()
+{
+    //% "%1 has changed on disk. Reloading replaces the edits in its pane; Undo brings them back."
+    return lookUp(QT_TRID_NOOP("globals.kNoticeChangedEdited"),
+        u"%1 has changed on disk. Reloading replaces the edits in its pane; Undo brings them "
+        u"back.");
+}
+
+QString kNoticeChangedStyled()
+{
+    //% "%1 has changed on disk. Reloading discards the edits in its pane."
+    return lookUp(QT_TRID_NOOP("globals.kNoticeChangedStyled"),
+        u"%1 has changed on disk. Reloading discards the edits in its pane.");
+}
+
+QString kNoticeReloadAnyway()
+{
+    //% "Reload and discard edits"
+    return lookUp(QT_TRID_NOOP("globals.kNoticeReloadAnyway"), u"Reload and discard edits");
+}
+
+QString kNoticeHint()
+{
+    //% "%1 has bytes that %2 cannot read; %3 reads them all."
+    return lookUp(QT_TRID_NOOP("globals.kNoticeHint"),
+        u"%1 has bytes that %2 cannot read; %3 reads them all.");
+}
+
+QString kNoticeUseEncoding()
+{
+    //% "Read as %1"
+    return lookUp(QT_TRID_NOOP("globals.kNoticeUseEncoding"), u"Read as %1");
+}
+
 } // namespace globals

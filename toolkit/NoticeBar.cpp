@@ -3,6 +3,7 @@
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPushButton>
 #include <QToolButton>
 
 #include <algorithm>
@@ -13,6 +14,7 @@ NoticeBar::NoticeBar(QWidget* parent, const QString& closeTip)
     : QWidget(parent)
     , label(new QLabel(this))
     , closeButton(new QToolButton(this))
+    , row(new QHBoxLayout(this))
 {
     setAutoFillBackground(true);
     QPalette colours = palette();
@@ -28,7 +30,6 @@ NoticeBar::NoticeBar(QWidget* parent, const QString& closeTip)
     closeButton->setToolTip(closeTip);
     closeButton->setAccessibleName(closeTip);
     connect(closeButton, &QToolButton::clicked, this, &NoticeBar::dismiss);
-    auto* row = new QHBoxLayout(this);
     row->setContentsMargins(8, 4, 4, 4);
     row->addWidget(label, 1);
     row->addWidget(closeButton, 0, Qt::AlignTop);
@@ -49,6 +50,26 @@ void NoticeBar::addNotice(const QString& line)
     raise();
 }
 
+void NoticeBar::addAction(const QString& key, const QString& text, std::function<void()> act)
+{
+    QPushButton* button = findChild<QPushButton*>(key, Qt::FindDirectChildrenOnly);
+    if (!button) {
+        button = new QPushButton(this);
+        button->setObjectName(key);
+        row->insertWidget(row->indexOf(closeButton), button, 0, Qt::AlignTop);
+        actions.push_back(button);
+    }
+    button->setText(text);
+    button->disconnect(this);
+    connect(button, &QPushButton::clicked, this, [this, act = std::move(act)] {
+        // The bar may be told something new by what the action does; the button goes before.
+        const std::function<void()> run = act;
+        dismiss();
+        run();
+    });
+    place();
+}
+
 QString NoticeBar::text() const
 {
     return isVisible() ? lines.join(QLatin1Char('\n')) : QString();
@@ -57,6 +78,12 @@ QString NoticeBar::text() const
 void NoticeBar::dismiss()
 {
     lines.clear();
+    for (QPushButton* button : actions) {
+        button->setObjectName(QString());
+        button->hide();
+        button->deleteLater();
+    }
+    actions.clear();
     hide();
 }
 

@@ -2,14 +2,19 @@
 
 #include <QWidget>
 
+#include <functional>
+#include <vector>
+
+class QHBoxLayout;
 class QLabel;
+class QPushButton;
 class QToolButton;
 
 namespace toolkit {
 
 // A strip over the bottom edge of its parent that tells of a file that was not read, or not
-// read whole. It takes no room from the controls below it and never blocks: the user closes it,
-// or the next good read does.
+// read whole, or changed, with buttons for what can be done about it. It takes no room from the
+// controls below it and never blocks: the user closes it, or the next good read does.
 class NoticeBar : public QWidget
 {
     Q_OBJECT
@@ -19,6 +24,9 @@ public:
 
     // Shows `line` under the ones already shown (a few at most, the oldest go first).
     void addNotice(const QString& line);
+    // A button on the bar, after the lines, that closes the bar and runs `act`; one of the same
+    // key takes its place. The button's object name is the key.
+    void addAction(const QString& key, const QString& text, std::function<void()> act);
     // The lines shown, one a line; empty when hidden.
     QString text() const;
     void dismiss();
@@ -33,7 +41,9 @@ private:
 
     QLabel* label;
     QToolButton* closeButton;
+    QHBoxLayout* row;
     QStringList lines;
+    std::vector<QPushButton*> actions;
 };
 
 } // namespace toolkit

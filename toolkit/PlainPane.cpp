@@ -211,12 +211,32 @@ PlainPane::PlainPane(QWidget* parent)
 
 void PlainPane::setStore(LineStore store)
 {
+    undos.clear();
+    redos.clear();
+    showStore(std::move(store));
+}
+
+void PlainPane::replaceStore(LineStore store)
+{
+    Edit e{0, {}, {}, caret, anchor, false, std::make_unique<LineStore>(std::move(store))};
+    swapWhole(e);
+    undos.push_back(std::move(e));
+    redos.clear();
+}
+
+void PlainPane::swapWhole(Edit& e)
+{
+    LineStore shown = std::move(text);
+    showStore(std::move(*e.other));
+    *e.other = std::move(shown);
+}
+
+void PlainPane::showStore(LineStore store)
+{
     text = std::move(store);
     ++rev;
     caret = anchor = 0;
     preedit.clear();
-    undos.clear();
-    redos.clear();
     widestLaidOut = 0;
     forgetLayouts();
     verticalScrollBar()->setValue(0);
@@ -862,6 +882,12 @@ void PlainPane::undo()
         return;
     Edit e = std::move(undos.back());
     undos.pop_back();
+    if (e.other) {
+        swapWhole(e);
+        setSelection(e.anchorBefore, e.caretBefore, false);
+        redos.push_back(std::move(e));
+        return;
+    }
     change(e.at, e.at + e.inserted.size(), e.removed);
     caret = e.caretBefore;
     anchor = e.anchorBefore;
@@ -875,6 +901,11 @@ void PlainPane::redo()
         return;
     Edit e = std::move(redos.back());
     redos.pop_back();
+    if (e.other) {
+        swapWhole(e);
+        undos.push_back(std::move(e));
+        return;
+    }
     change(e.at, e.at + e.removed.size(), e.inserted);
     caret = anchor = e.at + e.inserted.size();
     e.typing = false;

@@ -269,5 +269,81 @@ HTML などその他のファイルはテキストとして表示します。PNG
         <source>Close</source>
         <translation>閉じる</translation>
     </message>
+    <message id="globals.kFileM">
+        <source>File</source>
+        <translation>ファイル</translation>
+    </message>
+    <message id="globals.kFileOpenLeft">
+        <source>Open Left…</source>
+        <translation>左に開く…</translation>
+    </message>
+    <message id="globals.kFileOpenRight">
+        <source>Open Right…</source>
+        <translation>右に開く…</translation>
+    </message>
+    <message id="globals.kFileReload">
+        <source>Reload</source>
+        <translation>再読み込み</translation>
+    </message>
+    <message id="globals.kViewM">
+        <source>View</source>
+        <translation>表示</translation>
+    </message>
+    <message id="globals.kViewTop">
+        <source>Top</source>
+        <translation>先頭の相違へ</translation>
+    </message>
+    <message id="globals.kViewPrev">
+        <source>Previous</source>
+        <translation>前の相違へ</translation>
+    </message>
+    <message id="globals.kViewNext">
+        <source>Next</source>
+        <translation>次の相違へ</translation>
+    </message>
+    <message id="globals.kViewBottom">
+        <source>Bottom</source>
+        <translation>末尾へ</translation>
+    </message>
+    <message id="globals.kNoticePermission">
+        <source>permission to read it is denied</source>
+        <translation>読み取りの権限がありません</translation>
+    </message>
+    <message id="globals.kNoticeFolder">
+        <source>it is a folder</source>
+        <translation>フォルダです</translation>
+    </message>
+    <message id="globals.kNoticeSpecial">
+        <source>it is a device, a FIFO or a socket</source>
+        <translation>デバイス、FIFO またはソケットです</translation>
+    </message>
+    <message id="globals.kNoticeTooLarge">
+        <source>it is too large to show</source>
+        <translation>大きすぎて表示できません</translation>
+    </message>
+    <message id="globals.kNoticeChanged">
+        <source>%1 has changed on disk.</source>
+        <translation>%1 はディスク上で変更されました。</translation>
+    </message>
+    <message id="globals.kNoticeChangedEdited">
+        <source>%1 has changed on disk. Reloading replaces the edits in its pane; Undo brings them back.</source>
+        <translation>%1 はディスク上で変更されました。再読み込みするとペインの編集内容は置き換えられます（取り消しで戻せます）。</translation>
+    </message>
+    <message id="globals.kNoticeChangedStyled">
+        <source>%1 has changed on disk. Reloading discards the edits in its pane.</source>
+        <translation>%1 はディスク上で変更されました。再読み込みするとペインの編集内容は失われます。</translation>
+    </message>
+    <message id="globals.kNoticeReloadAnyway">
+        <source>Reload and discard edits</source>
+        <translation>編集を捨てて再読み込み</translation>
+    </message>
+    <message id="globals.kNoticeHint">
+        <source>%1 has bytes that %2 cannot read; %3 reads them all.</source>
+        <translation>%1 には %2 で読めないバイトがあります。%3 ならすべて読めます。</translation>
+    </message>
+    <message id="globals.kNoticeUseEncoding">
+        <source>Read as %1</source>
+        <translation>%1 で読む</translation>
+    </message>
 </context>
 </TS>

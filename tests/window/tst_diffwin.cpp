@@ -12,6 +12,7 @@
 #include "WidthLayout.h"
 #include "globals.h"
 
+#include <QMenu>
 #include <QMenuBar>
 #include <QPointer>
 #include <QTest>
@@ -53,7 +54,10 @@ private slots:
     void opensOnAComparisonOfTheSamples();
     void compareFollowsThePanes_data();
     void compareFollowsThePanes();
+    void menuBarTable_data();
     void menuBarTable();
+    void viewKeysDoWhatTheButtonsDo_data();
+    void viewKeysDoWhatTheButtonsDo();
     void helpItemsActOnlyInTheComparisonWindow();
     void editingItemsActOnTheFocusedPane();
     void tabOrder();
@@ -285,49 +289,127 @@ void TstDiffWin::compareFollowsThePanes()
     QCOMPARE(w->topsA.size(), w->diffs.size());
 }
 
+void TstDiffWin::menuBarTable_data()
+{
+    QTest::addColumn<QString>("menu");
+    QTest::addColumn<QStringList>("items"); // "-" for a separator
+    QTest::addColumn<QList<QKeySequence>>("keys"); // one a named item, in order
+    using K = QKeySequence;
+    QTest::newRow("File") << globals::kFileM()
+                          << QStringList{"FileOpenLeft", "FileOpenRight", "FileReload", "-",
+                                 "FileQuit"}
+                          << QList<K>{K(Qt::CTRL | Qt::Key_O), K(Qt::CTRL | Qt::SHIFT | Qt::Key_O),
+                                 K(Qt::CTRL | Qt::Key_R), K(Qt::CTRL | Qt::Key_Q)};
+    QTest::newRow("Edit") << globals::kEditM()
+                          << QStringList{"EditUndo", "EditRedo", "-", "EditCut", "EditCopy",
+                                 "EditPaste", "EditClear", "-", "EditSelectAll", "-"}
+                          << QList<K>{K::Undo, K(Qt::CTRL | Qt::SHIFT | Qt::Key_Z), K::Cut, K::Copy,
+                                 K::Paste, K(), K::SelectAll};
+    QTest::newRow("View") << globals::kViewM()
+                          << QStringList{"ViewTop", "ViewPrev", "ViewNext", "ViewBottom"}
+                          << QList<K>{K(Qt::ALT | Qt::Key_Home), K(Qt::ALT | Qt::Key_Up),
+                                 K(Qt::ALT | Qt::Key_Down), K(Qt::ALT | Qt::Key_End)};
+    QTest::newRow("Help") << globals::kHelpM()
+                          << QStringList{"HelpAbout", "HelpHelp", "HelpLicense"}
+                          << QList<K>{K(), K(), K()};
+}
+
 void TstDiffWin::menuBarTable()
 {
+    QFETCH(QString, menu);
+    QFETCH(QStringList, items);
+    QFETCH(QList<QKeySequence>, keys);
     DiffWin* w = openWindow();
     QVERIFY(w);
-    const QList<QAction*> bar = w->menuBar()->actions();
-    QCOMPARE(bar.size(), 3);
-    QCOMPARE(bar[0]->objectName(), QStringLiteral("FileQuit"));
-    QCOMPARE(bar[0]->text(), globals::kFileQuit());
-    QCOMPARE(bar[0]->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_Q));
-    QCOMPARE(bar[1]->text(), globals::kEditM());
-    QCOMPARE(bar[2]->text(), globals::kHelpM());
-
-    QStringList edit, help;
-    for (QAction* a : bar[1]->menu()->actions())
-        edit << (a->isSeparator() ? QStringLiteral("-") : a->objectName());
-    for (QAction* a : bar[2]->menu()->actions())
-        help << a->objectName();
-    QCOMPARE(edit,
-        (QStringList{"EditUndo", "EditRedo", "-", "EditCut", "EditCopy", "EditPaste", "EditClear",
-            "-", "EditSelectAll", "-"}));
-    QCOMPARE(help, (QStringList{"HelpAbout", "HelpHelp", "HelpLicense"}));
-
-    const struct
-    {
-        const char* name;
-        QKeySequence key;
-        QString text;
-    } shortcuts[] = {{"EditUndo", QKeySequence::Undo, globals::kEditUndo()},
-        {"EditRedo", QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z), globals::kEditRedo()},
-        {"EditCut", QKeySequence::Cut, globals::kEditCut()},
-        {"EditCopy", QKeySequence::Copy, globals::kEditCopy()},
-        {"EditPaste", QKeySequence::Paste, globals::kEditPaste()},
-        {"EditClear", QKeySequence(), globals::kEditClear()},
-        {"EditSelectAll", QKeySequence::SelectAll, globals::kEditSelectAll()}};
-    for (const auto& s : shortcuts) {
-        const toolkit::MenuItem* item = MenuBar1::instance().item(QString::fromLatin1(s.name));
-        QVERIFY(item);
-        QCOMPARE(item->action->text(), s.text);
-        if (s.key.isEmpty())
-            QVERIFY(item->action->shortcuts().isEmpty());
-        else
-            QVERIFY2(item->action->shortcuts().contains(s.key), s.name);
+    QStringList titles;
+    QMenu* found = nullptr;
+    for (QAction* a : w->menuBar()->actions()) {
+        titles << a->text();
+        if (a->text() == menu)
+            found = a->menu();
     }
+    QCOMPARE(titles,
+        (QStringList{globals::kFileM(), globals::kEditM(), globals::kViewM(), globals::kHelpM()}));
+    QVERIFY(found);
+    QStringList names;
+    QList<QAction*> named;
+    for (QAction* a : found->actions()) {
+        // A separator shows no text, which would be drawn as a heading.
+        QVERIFY2(!a->isSeparator() || a->text().isEmpty(), qPrintable(a->objectName()));
+        names << (a->isSeparator() ? QStringLiteral("-") : a->objectName());
+        if (!a->isSeparator())
+            named << a;
+    }
+    QCOMPARE(names, items);
+    QCOMPARE(named.size(), keys.size());
+    for (int i = 0; i < keys.size(); ++i) {
+        const toolkit::MenuItem* item = MenuBar1::instance().item(named[i]->objectName());
+        QVERIFY(item);
+        QCOMPARE(named[i]->text(), item->Value);
+        QVERIFY(!named[i]->text().isEmpty());
+        if (keys[i].isEmpty())
+            QVERIFY(named[i]->shortcuts().isEmpty());
+        else
+            QVERIFY2(named[i]->shortcuts().value(0) == keys[i], qPrintable(item->Name));
+    }
+    if (menu == globals::kFileM())
+        QVERIFY(MenuBar1::instance()
+                    .item("FileReload")
+                    ->action->shortcuts()
+                    .contains(QKeySequence(Qt::Key_F5)));
+}
+
+void TstDiffWin::viewKeysDoWhatTheButtonsDo_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::addColumn<QString>("button");
+    QTest::addColumn<int>("current"); // from the second of four differences
+    QTest::newRow("Alt+Home") << int(Qt::Key_Home) << "TopBtn" << 0;
+    QTest::newRow("Alt+Up") << int(Qt::Key_Up) << "PrevBtn" << 0;
+    QTest::newRow("Alt+Down") << int(Qt::Key_Down) << "NextBtn" << 2;
+    QTest::newRow("Alt+End") << int(Qt::Key_End) << "BtmBtn" << 3;
+}
+
+void TstDiffWin::viewKeysDoWhatTheButtonsDo()
+{
+    QFETCH(int, key);
+    QFETCH(QString, button);
+    QFETCH(int, current);
+    DiffWin* w = openWindow();
+    QVERIFY(w);
+    w->activateWindow();
+    QTRY_COMPARE(QApplication::activeWindow(), w);
+    QString left, right;
+    for (int i = 0; i < 200; ++i) {
+        left += QStringLiteral("line %1\n").arg(i);
+        right
+            += (i % 50 == 7 ? QStringLiteral("changed %1\n") : QStringLiteral("line %1\n")).arg(i);
+    }
+    w->txtBox[0]->setText(left);
+    w->txtBox[1]->setText(right);
+    w->compare();
+    QTRY_VERIFY_WITH_TIMEOUT(w->resultIsCurrent(), 5000);
+    QCOMPARE(w->diffs.size(), size_t(4));
+    const auto state = [w] {
+        return QList<int>{w->curDiffNum, w->curLine, w->txtBox[0]->VerticalScrollPosition(),
+            w->txtBox[1]->VerticalScrollPosition()};
+    };
+    const auto fromSecond = [w] {
+        w->curDiffNum = 1;
+        w->curLine = int(w->topsA[1]);
+        w->txtBox[0]->setVerticalScrollPosition(30);
+        w->txtBox[1]->setVerticalScrollPosition(40);
+    };
+    fromSecond();
+    w->findChild<toolkit::BevelButton*>(button)->click();
+    const QList<int> byButton = state();
+    QCOMPARE(byButton[0], current);
+
+    fromSecond();
+    w->txtBox[0]->setFocus();
+    QTRY_VERIFY(w->txtBox[0]->hasFocus());
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key(key), Qt::AltModifier);
+    QCOMPARE(state(), byButton);
 }
 
 void TstDiffWin::helpItemsActOnlyInTheComparisonWindow()

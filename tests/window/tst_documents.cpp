@@ -10,6 +10,7 @@
 #include "Timer.h"
 #include "globals.h"
 
+#include <QAbstractButton>
 #include <QDir>
 #include <QFile>
 #include <QMimeData>
@@ -19,6 +20,7 @@
 #include <QUrl>
 
 #include <algorithm>
+#include <cstdio>
 #include <sys/stat.h>
 
 namespace {
@@ -132,6 +134,12 @@ private slots:
     void dropsShareFilesOut();
     void draggedTextIsTheEditors();
     void openedDocumentsComeInBatches();
+    void replacingATextIsOneUndoStep_data();
+    void replacingATextIsOneUndoStep();
+    void aFileChangedOnDiskIsOfferedForReload_data();
+    void aFileChangedOnDiskIsOfferedForReload();
+    void theFileMenuReadsAsADrop_data();
+    void theFileMenuReadsAsADrop();
 };
 
 void TstDocuments::cleanup()
@@ -146,45 +154,50 @@ void TstDocuments::readingByKind_data()
     QTest::addColumn<QString>("kind");
     QTest::addColumn<bool>("textRead");
     QTest::addColumn<bool>("titled");
+    QTest::addColumn<QString>("notice"); // the reason told, after the file's name
 
     QTest::newRow("text") << "a.txt"
-                          << "file" << true << true;
+                          << "file" << true << true << QString();
     QTest::newRow("double ending") << "a.pdf.txt"
-                                   << "file" << true << true;
+                                   << "file" << true << true << QString();
     QTest::newRow("ends in a dot") << "a."
-                                   << "file" << true << true;
+                                   << "file" << true << true << QString();
     QTest::newRow("no ending") << "README"
-                               << "file" << true << true;
+                               << "file" << true << true << QString();
     QTest::newRow("binary with NUL") << "b.bin"
-                                     << "binary" << true << true;
+                                     << "binary" << true << true << QString();
     QTest::newRow("empty") << "e.txt"
-                           << "empty" << true << true;
+                           << "empty" << true << true << QString();
     QTest::newRow("pdf") << "a.pdf"
-                         << "file" << false << false;
+                         << "file" << false << false << globals::kNoticeRefusedKind();
     QTest::newRow("PDF in capitals") << "a.PDF"
-                                     << "file" << false << false;
+                                     << "file" << false << false << globals::kNoticeRefusedKind();
     QTest::newRow("named zip") << "zip"
-                               << "file" << false << false;
+                               << "file" << false << false << globals::kNoticeRefusedKind();
     QTest::newRow("missing") << "gone.txt"
-                             << "missing" << false << false;
+                             << "missing" << false << false << globals::kNoticeMissing();
     QTest::newRow("folder") << "f.txt"
-                            << "folder" << false << false;
+                            << "folder" << false << false << globals::kNoticeFolder();
     QTest::newRow("link loop") << "loop.txt"
-                               << "loop" << false << false;
+                               << "loop" << false << false << globals::kNoticeMissing();
     QTest::newRow("link to a file") << "link.txt"
-                                    << "link" << true << true;
+                                    << "link" << true << true << QString();
     // Unreadable: the title changes, the text stays.
     QTest::newRow("FIFO") << "p.txt"
-                          << "fifo" << false << true;
+                          << "fifo" << false << true << globals::kNoticeSpecial();
     QTest::newRow("no permission") << "secret.txt"
-                                   << "locked" << false << true;
+                                   << "locked" << false << true << globals::kNoticePermission();
+    QTest::newRow("too large") << "huge.txt"
+                               << "sparse" << false << true << globals::kNoticeTooLarge();
+    QTest::newRow("device") << "/dev/null"
+                            << "system" << false << true << globals::kNoticeSpecial();
     // The name's bytes reach open() as they are and show escaped.
     QTest::newRow("name not UTF-8") << "a\xff.txt"
-                                    << "bytes" << true << true;
+                                    << "bytes" << true << true << QString();
     QTest::newRow("name with a line break") << "two\nlines.txt"
-                                            << "file" << true << true;
+                                            << "file" << true << true << QString();
     QTest::newRow("name with a direction override and NEL") << "a\u202Eb\u0085.txt"
-                                                            << "file" << true << true;
+                                                            << "file" << true << true << QString();
 }
 
 // Each kind of path: whether the pane takes its text and whether the title shows its name.
@@ -194,6 +207,7 @@ void TstDocuments::readingByKind()
     QFETCH(QString, kind);
     QFETCH(bool, textRead);
     QFETCH(bool, titled);
+    QFETCH(QString, notice);
     Files files;
     QByteArray bytes = "first\nsecond\n";
     QString path = kind == "system" ? name : files.path(name);
@@ -219,6 +233,11 @@ void TstDocuments::readingByKind()
         QFile::link(path, path);
     if (kind == "link")
         QFile::link(files.write("target.txt", bytes), path);
+    if (kind == "sparse") {
+        // Holes: no disk is spent, and the size is past what a pane can count.
+        QFile huge(files.write(name, {}));
+        QVERIFY(huge.resize(qint64(3) << 30));
+    }
     if (kind == "fifo")
         QVERIFY(::mkfifo(QFile::encodeName(path).constData(), 0600) == 0);
     if (kind == "locked") {
@@ -249,6 +268,12 @@ void TstDocuments::readingByKind()
     QCOMPARE(w->titleBox[0]->Caption(), titled ? title : globals::kBoxLeft());
     QCOMPARE(w->dirty, titled);
     QCOMPARE(w->txtBox[1]->Text(), other);
+    const QString told = w->noticeBar && w->noticeBar->isVisible() ? w->noticeBar->text() : "";
+    if (notice.isEmpty())
+        QCOMPARE(told, QString());
+    else
+        QCOMPARE(told,
+            globals::kNoticeNotRead().arg(toolkit::FolderItem(nativePath).DisplayName(), notice));
 }
 
 void TstDocuments::theTitleShowsTheFolders()
@@ -368,13 +393,20 @@ void TstDocuments::encodings()
     QCOMPARE(rows,
         QStringList({"UTF-8", "ShiftJIS", "Japanese MacOS", "Japanese EUC", "ShiftJIS-X0212"}));
 
+    // Under UTF-8 the bytes show U+FFFD; the bar offers the row that reads them all.
     load(w, files.write("sjis.txt", kShiftJis), 0);
-    QVERIFY(w->txtBox[0]->Text() != kJapanese);
-    w->txtBox[0]->setText(QStringLiteral("edited"));
-    w->TEBMenu[0]->setMenuValue(1);
-    emit w->TEBMenu[0]->Action();
+    QVERIFY(w->txtBox[0]->Text().contains(QChar::ReplacementCharacter));
+    QCOMPARE(w->noticeBar->text(), globals::kNoticeHint().arg("sjis.txt", "UTF-8", "ShiftJIS"));
+    auto* offer = w->noticeBar->findChild<QAbstractButton*>("encoding0");
+    QVERIFY(offer);
+    QCOMPARE(offer->text(), globals::kNoticeUseEncoding().arg("ShiftJIS"));
+    offer->click();
     QCOMPARE(w->txtBox[0]->Text(), kJapanese);
     QCOMPARE(w->TEBMenu[0]->Caption(), QStringLiteral("ShiftJIS"));
+    QCOMPARE(w->encodingMode[0], 1);
+    QVERIFY(!w->noticeBar->isVisible());
+    load(w, files.write("sjis-again.txt", kShiftJis), 0);
+    QVERIFY(!w->noticeBar->isVisible()); // read cleanly: nothing to offer
 
     w->TEBMenu[1]->setMenuValue(3);
     emit w->TEBMenu[1]->Action();
@@ -577,13 +609,160 @@ void TstDocuments::openedDocumentsComeInBatches()
     QCOMPARE(w->titleBox[1]->Caption(), globals::kBoxRight());
     QCOMPARE(globals::fCount, 2);
     QCOMPARE(w->Timer3->Mode(), 1);
-    QVERIFY(!w->onlyFirst);
-    QCOMPARE(w->curDiffNum, 3);
+    // As after a drop of two files, the first difference of the new texts becomes current.
+    QVERIFY(w->onlyFirst);
+    emit w->Timer2->Action();
+    emit w->Timer1->Action();
+    QTRY_VERIFY_WITH_TIMEOUT(w->resultIsCurrent() && !w->onlyFirst, 5000);
+    QCOMPARE(w->curDiffNum, 0);
+    QCOMPARE(w->curLine, int(w->topsA.at(0)));
 
     emit w->Timer3->Action();
     app.openDocuments({paths[3].toUtf8()});
     QCOMPARE(w->titleBox[0]->Caption(), QStringLiteral("4.txt"));
     QCOMPARE(globals::fCount, 1);
+}
+
+void TstDocuments::replacingATextIsOneUndoStep_data()
+{
+    QTest::addColumn<QString>("route");
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QString>("replaced");
+    QTest::newRow("encoding") << "encoding" << kShiftJis << kJapanese;
+    QTest::newRow("Clear All") << "clear" << QByteArray("from disk\n") << QString();
+    QTest::newRow("Reload") << "reload" << QByteArray("from disk\n") << "new on disk\n";
+}
+
+// Undo takes the pane back to the text it had, edits and all; Redo, and a new comparison,
+// follow as after any edit.
+void TstDocuments::replacingATextIsOneUndoStep()
+{
+    QFETCH(QString, route);
+    QFETCH(QByteArray, bytes);
+    QFETCH(QString, replaced);
+    Files files;
+    DiffWin* w = window();
+    w->activateWindow();
+    const QString path = files.write("f.txt", bytes);
+    load(w, path, 0);
+    QWidget* typing = w->txtBox[0]->focusProxy();
+    typing->setFocus();
+    QTRY_VERIFY(typing->hasFocus());
+    QTest::keyClicks(typing, "typed ");
+    const QString edited = w->txtBox[0]->Text();
+    QVERIFY(edited.startsWith("typed "));
+
+    if (route == "encoding") {
+        w->TEBMenu[0]->setMenuValue(1);
+        emit w->TEBMenu[0]->Action();
+    } else if (route == "clear") {
+        emit w->ClearButton->Action();
+    } else {
+        files.write("f.txt", replaced.toUtf8());
+        w->Reload();
+    }
+    QCOMPARE(w->txtBox[0]->Text(), replaced);
+    w->dirty = false;
+    QTest::keyClick(typing, Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(w->txtBox[0]->Text(), edited);
+    QVERIFY(w->dirty);
+    QTest::keyClick(typing, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    QCOMPARE(w->txtBox[0]->Text(), replaced);
+    // One step: the next Undo goes back over the typing.
+    QTest::keyClick(typing, Qt::Key_Z, Qt::ControlModifier);
+    QTest::keyClick(typing, Qt::Key_Z, Qt::ControlModifier);
+    QVERIFY(!w->txtBox[0]->Text().startsWith("typed "));
+}
+
+void TstDocuments::aFileChangedOnDiskIsOfferedForReload_data()
+{
+    QTest::addColumn<bool>("byRename");
+    QTest::addColumn<bool>("edited");
+    QTest::newRow("written in place") << false << false;
+    QTest::newRow("replaced by a rename") << true << false;
+    QTest::newRow("edited pane") << false << true;
+}
+
+void TstDocuments::aFileChangedOnDiskIsOfferedForReload()
+{
+    QFETCH(bool, byRename);
+    QFETCH(bool, edited);
+    const bool wasEdited = edited;
+    Files files;
+    DiffWin* w = window();
+    const QString path = files.write("w.txt", "one\n");
+    load(w, path, 1);
+    if (edited)
+        w->txtBox[1]->setText(QStringLiteral("my edit"));
+    const auto change = [&](const QByteArray& bytes) {
+        if (!byRename)
+            return void(files.write("w.txt", bytes));
+        const QString fresh = files.write("w.new", bytes);
+        QCOMPARE(
+            std::rename(QFile::encodeName(fresh).constData(), QFile::encodeName(path).constData()),
+            0);
+    };
+    const auto offered = [w] {
+        return w->noticeBar && w->noticeBar->isVisible()
+            ? w->noticeBar->findChild<QAbstractButton*>("reload")
+            : nullptr;
+    };
+    // Twice: the watch holds after a reload and after a rename.
+    QString shown = w->txtBox[1]->Text();
+    for (const QByteArray& version : {QByteArray("second version\n"), QByteArray("third\n")}) {
+        change(version);
+        QTRY_VERIFY_WITH_TIMEOUT(offered(), 5000);
+        QCOMPARE(w->noticeBar->text(),
+            (edited ? globals::kNoticeChangedEdited() : globals::kNoticeChanged()).arg("w.txt"));
+        QCOMPARE(w->txtBox[1]->Text(), shown);
+        offered()->click();
+        shown = QString::fromUtf8(version);
+        QCOMPARE(w->txtBox[1]->Text(), shown);
+        edited = false;
+    }
+    // Each reload was a step of its own, back to the edits.
+    w->txtBox[1]->focusProxy()->setFocus();
+    QTest::keyClick(w->txtBox[1]->focusProxy(), Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(w->txtBox[1]->Text(), "second version\n");
+    QTest::keyClick(w->txtBox[1]->focusProxy(), Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(w->txtBox[1]->Text(), wasEdited ? QStringLiteral("my edit") : "one\n");
+}
+
+void TstDocuments::theFileMenuReadsAsADrop_data()
+{
+    QTest::addColumn<QString>("item");
+    QTest::addColumn<int>("pane"); // -1: nothing read
+    QTest::newRow("Open Left") << "FileOpenLeft" << 0;
+    QTest::newRow("Open Right") << "FileOpenRight" << 1;
+    QTest::newRow("cancelled") << "FileOpenRight" << -1;
+}
+
+void TstDocuments::theFileMenuReadsAsADrop()
+{
+    QFETCH(QString, item);
+    QFETCH(int, pane);
+    Files files;
+    DiffWin* w = window();
+    const QString path = files.write("chosen.txt", "chosen\n");
+    int askedFor = -1;
+    w->askForFile = [&](int index) {
+        askedFor = index;
+        return pane < 0 ? QByteArray() : QFile::encodeName(path);
+    };
+    const std::array<QString, 2> before{w->txtBox[0]->Text(), w->txtBox[1]->Text()};
+    w->onlyFirst = false;
+    QVERIFY(w->handleMenu(item));
+    QCOMPARE(askedFor, item == "FileOpenLeft" ? 0 : 1);
+    for (int i = 0; i < 2; ++i)
+        QCOMPARE(w->txtBox[i]->Text(), i == pane ? QStringLiteral("chosen\n") : before[i]);
+    QCOMPARE(w->onlyFirst, pane >= 0);
+    // A file chosen there that can't be read is told of, as for a drop.
+    if (pane >= 0) {
+        w->askForFile = [&](int) { return QFile::encodeName(files.path("gone.txt")); };
+        w->handleMenu(item);
+        QCOMPARE(w->noticeBar->text(),
+            globals::kNoticeNotRead().arg("gone.txt", globals::kNoticeMissing()));
+    }
 }
 
 int main(int, char**)
