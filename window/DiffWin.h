@@ -170,7 +170,8 @@ private:
     // Why a plain file could not be opened, in the notice's words.
     static QString whyNotOpened(const toolkit::FolderItem& file, int error);
     // Watching the files shown: a change on disk is told of, with Reload at hand.
-    void watchShownFiles();
+    // Watches the files shown; the pane `readNow` has just read its own.
+    void watchShownFiles(int readNow = -1);
     void shownFileChanged(const QString& path);
     void takeEncodingRow(int index, int row);
     QByteArray askFileName(int index);

@@ -166,7 +166,7 @@ void DiffWin::setTextBox(FolderItem file, int index, TextArea* pane, BevelButton
     MakeTitlePopup(title, file);
     shownFile[index] = file.NativeBytes();
     readRevision[index] = txtBox[index]->contentRevision();
-    watchShownFiles();
+    watchShownFiles(index);
     txtBox[index]->setVerticalScrollPosition(0);
     dirty = true;
     Timer1->setMode(0);

@@ -84,8 +84,13 @@ void DiffWin::Reload(bool discardEdits)
     }
 }
 
-void DiffWin::watchShownFiles()
+void DiffWin::watchShownFiles(int readNow)
 {
+    // The other pane's file keeps its stamp: a change not yet told of must still be.
+    for (int index = 0; index < 2; ++index) {
+        if (index == readNow || shownFile[index].isEmpty())
+            stamps[size_t(index)] = stampOf(shownFile[index]);
+    }
     if (!watcher) {
         watcher = new QFileSystemWatcher(this);
         connect(watcher, &QFileSystemWatcher::fileChanged, this, &DiffWin::shownFileChanged);
@@ -97,7 +102,6 @@ void DiffWin::watchShownFiles()
         watcher->removePaths(watcher->directories());
     QStringList paths;
     for (int index = 0; index < 2; ++index) {
-        stamps[size_t(index)] = stampOf(shownFile[index]);
         if (shownFile[index].isEmpty())
             continue;
         // The folder too: an editor that saves by renaming a new file over the old one ends
