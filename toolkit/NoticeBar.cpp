@@ -97,9 +97,19 @@ bool NoticeBar::eventFilter(QObject* watched, QEvent* event)
 void NoticeBar::place()
 {
     const QWidget* over = parentWidget();
-    int height = heightForWidth(over->width());
-    if (height <= 0)
-        height = sizeHint().height();
+    // The label wraps in the width the buttons leave it; the layout's own answer to the height
+    // for a width overlooks the buttons.
+    const QMargins margins = row->contentsMargins();
+    int labelWidth = over->width() - margins.left() - margins.right();
+    int height = 0;
+    std::vector<QWidget*> buttons(actions.begin(), actions.end());
+    buttons.push_back(closeButton);
+    for (QWidget* button : buttons) {
+        labelWidth -= button->sizeHint().width() + row->spacing();
+        height = std::max(height, button->sizeHint().height());
+    }
+    height = std::max(height, label->heightForWidth(std::max(labelWidth, 1)));
+    height += margins.top() + margins.bottom();
     height = std::min(height, over->height() / 3);
     setGeometry(0, over->height() - height, over->width(), height);
 }

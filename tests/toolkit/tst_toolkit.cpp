@@ -4,12 +4,15 @@
 #include "LineStore.h"
 #include "Lines.h"
 #include "MenuBar.h"
+#include "NoticeBar.h"
 #include "TextArea.h"
 #include "Timer.h"
 
 #include <QAccessible>
 #include <QInputMethodEvent>
+#include <QLabel>
 #include <QMenu>
+#include <QPushButton>
 #include <QRegularExpression>
 #include <QScrollBar>
 #include <QSignalSpy>
@@ -100,6 +103,8 @@ private slots:
     void longTextsFillInSlices();
     void shortcutLiterals_data();
     void shortcutLiterals();
+    void noticeBarShowsEveryLine_data();
+    void noticeBarShowsEveryLine();
 };
 
 void TstToolkit::locksFollowTheParent_data()
@@ -630,6 +635,9 @@ void TstToolkit::shortcutLiterals_data()
         << "Cmd+Shift+Z" << QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z) << 2;
     QTest::newRow("select all") << "Cmd+A" << QKeySequence(Qt::CTRL | Qt::Key_A) << 1;
     QTest::newRow("none") << "" << QKeySequence() << 0;
+    QTest::newRow("two keys") << "Cmd+R, F5" << QKeySequence(Qt::CTRL | Qt::Key_R) << 2;
+    QTest::newRow("the second of two") << "Cmd+R, F5" << QKeySequence(Qt::Key_F5) << 2;
+    QTest::newRow("alt and an arrow") << "Alt+Up" << QKeySequence(Qt::ALT | Qt::Key_Up) << 1;
 }
 
 void TstToolkit::shortcutLiterals()
@@ -641,6 +649,56 @@ void TstToolkit::shortcutLiterals()
     QVERIFY(keys.size() >= atLeast);
     if (atLeast > 0)
         QVERIFY(keys.contains(primary));
+}
+
+void TstToolkit::noticeBarShowsEveryLine_data()
+{
+    QTest::addColumn<int>("lines");
+    QTest::addColumn<int>("buttons");
+    QTest::addColumn<int>("width");
+    QTest::newRow("one line") << 1 << 0 << 600;
+    QTest::newRow("wrapped beside two buttons") << 3 << 2 << 420;
+    QTest::newRow("narrow, one button") << 2 << 1 << 300;
+}
+
+// No line is cut off, however the buttons narrow the text; a button's key names one button.
+void TstToolkit::noticeBarShowsEveryLine()
+{
+    QFETCH(int, lines);
+    QFETCH(int, buttons);
+    QFETCH(int, width);
+    QWidget parent;
+    parent.resize(width, 600);
+    auto* bar = new toolkit::NoticeBar(&parent, QStringLiteral("Close"));
+    parent.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&parent));
+    for (int i = 0; i < lines; ++i)
+        bar->addNotice(QStringLiteral("notice %1 about a file with a rather long name, said in "
+                                      "words enough to wrap")
+                           .arg(i));
+    int runs = 0;
+    for (int i = 0; i < buttons; ++i) {
+        bar->addAction(QStringLiteral("key%1").arg(i), QStringLiteral("Button %1").arg(i), [] {});
+        bar->addAction(
+            QStringLiteral("key%1").arg(i), QStringLiteral("Act %1").arg(i), [&runs] { ++runs; });
+    }
+    QCoreApplication::processEvents();
+    auto* label = bar->findChild<QLabel*>();
+    QVERIFY(label);
+    QVERIFY(bar->isVisible());
+    QCOMPARE(bar->geometry().bottom(), parent.height() - 1);
+    QVERIFY2(label->height() >= label->heightForWidth(label->width()),
+        qPrintable(QStringLiteral("%1 < %2")
+                       .arg(label->height())
+                       .arg(label->heightForWidth(label->width()))));
+    const QList<QPushButton*> shown = bar->findChildren<QPushButton*>();
+    QCOMPARE(shown.size(), buttons);
+    if (buttons > 0) {
+        QCOMPARE(shown.first()->text(), QStringLiteral("Act 0"));
+        shown.first()->click();
+        QCOMPARE(runs, 1);
+        QVERIFY(!bar->isVisible());
+    }
 }
 
 // Centred and right-set paragraphs stand across the pane's width when it paints.
