@@ -222,6 +222,11 @@ void PlainPane::replaceStore(LineStore store)
     swapWhole(e);
     undos.push_back(std::move(e));
     redos.clear();
+    // Each such step keeps a whole text alive: past a few, the oldest history goes, up to and
+    // with the oldest of them.
+    const auto whole = [](const Edit& step) { return step.other != nullptr; };
+    if (std::count_if(undos.begin(), undos.end(), whole) > kWholeSteps)
+        undos.erase(undos.begin(), std::find_if(undos.begin(), undos.end(), whole) + 1);
 }
 
 void PlainPane::swapWhole(Edit& e)

@@ -48,6 +48,8 @@ public:
     // Takes a whole new text as one step that Undo takes back. The old text's blocks are kept,
     // not copied, so the step costs next to nothing whatever the size.
     void replaceStore(LineStore store);
+    // How many such steps the undo history holds at most.
+    static constexpr int kWholeSteps = 4;
     // Edits as the user makes them: they can be undone.
     void replaceSelection(const QString& with);
     void replace(qsizetype from, qsizetype to, const QString& with);

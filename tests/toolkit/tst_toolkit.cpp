@@ -5,6 +5,7 @@
 #include "Lines.h"
 #include "MenuBar.h"
 #include "NoticeBar.h"
+#include "PlainPane.h"
 #include "TextArea.h"
 #include "Timer.h"
 
@@ -105,6 +106,7 @@ private slots:
     void shortcutLiterals();
     void noticeBarShowsEveryLine_data();
     void noticeBarShowsEveryLine();
+    void wholeTextStepsAreBounded();
 };
 
 void TstToolkit::locksFollowTheParent_data()
@@ -699,6 +701,27 @@ void TstToolkit::noticeBarShowsEveryLine()
         QCOMPARE(runs, 1);
         QVERIFY(!bar->isVisible());
     }
+}
+
+// A whole text replaced is one step; past the bound the oldest history goes, never the newest.
+void TstToolkit::wholeTextStepsAreBounded()
+{
+    toolkit::PlainPane pane;
+    pane.replace(0, 0, QStringLiteral("typed"));
+    for (int i = 0; i <= toolkit::PlainPane::kWholeSteps; ++i)
+        pane.replaceStore(toolkit::LineStore(QStringLiteral("text %1").arg(i)));
+    QStringList seen;
+    while (pane.canUndo()) {
+        pane.undo();
+        seen << pane.store().text();
+    }
+    // The step to "text 0", and the typing before it, are gone.
+    QStringList kept;
+    for (int i = toolkit::PlainPane::kWholeSteps - 1; i >= 0; --i)
+        kept << QStringLiteral("text %1").arg(i);
+    QCOMPARE(seen, kept);
+    pane.redo();
+    QCOMPARE(pane.store().text(), QStringLiteral("text 1"));
 }
 
 // Centred and right-set paragraphs stand across the pane's width when it paints.
