@@ -60,6 +60,7 @@ void NoticeBar::addAction(const QString& key, const QString& text, std::function
         actions.push_back(button);
     }
     button->setText(text);
+    lineOf.insert(key, lines.value(lines.size() - 1));
     button->disconnect(this);
     connect(button, &QPushButton::clicked, this, [this, act = std::move(act)] {
         // The bar may be told something new by what the action does; the button goes before.
@@ -67,6 +68,20 @@ void NoticeBar::addAction(const QString& key, const QString& text, std::function
         dismiss();
         run();
     });
+    place();
+}
+
+void NoticeBar::withdraw(const QString& key)
+{
+    QPushButton* button = findChild<QPushButton*>(key, Qt::FindDirectChildrenOnly);
+    if (!button)
+        return;
+    lines.removeOne(lineOf.take(key));
+    actions.erase(std::find(actions.begin(), actions.end(), button));
+    delete button;
+    if (lines.isEmpty())
+        return dismiss();
+    label->setText(lines.join(QLatin1Char('\n')));
     place();
 }
 
@@ -84,6 +99,7 @@ void NoticeBar::dismiss()
         button->deleteLater();
     }
     actions.clear();
+    lineOf.clear();
     hide();
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHash>
 #include <QWidget>
 
 #include <functional>
@@ -25,8 +26,10 @@ public:
     // Shows `line` under the ones already shown (a few at most, the oldest go first).
     void addNotice(const QString& line);
     // A button on the bar, after the lines, that closes the bar and runs `act`; one of the same
-    // key takes its place. The button's object name is the key.
+    // key takes its place. The button's object name is the key. It belongs to the last line.
     void addAction(const QString& key, const QString& text, std::function<void()> act);
+    // Takes the button of that key away, with its line; the bar closes when no line is left.
+    void withdraw(const QString& key);
     // The lines shown, one a line; empty when hidden.
     QString text() const;
     void dismiss();
@@ -44,6 +47,8 @@ private:
     QHBoxLayout* row;
     QStringList lines;
     std::vector<QPushButton*> actions;
+    // The line each button belongs to, by its key.
+    QHash<QString, QString> lineOf;
 };
 
 } // namespace toolkit

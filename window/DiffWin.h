@@ -169,16 +169,14 @@ private:
     void refused(const toolkit::FolderItem& file, const QString& reason);
     // Why a plain file could not be opened, in the notice's words.
     static QString whyNotOpened(const toolkit::FolderItem& file, int error);
-    // Watching the files shown: a change on disk is told of, with Reload at hand.
-    // Watches the files shown; the pane `readNow` has just read its own.
+    // Watches the files shown, so that a change on disk is told of with Reload at hand; the pane
+    // `readNow` has just read its own.
     void watchShownFiles(int readNow = -1);
     void shownFileChanged(const QString& path);
     void takeEncodingRow(int index, int row);
     QByteArray askFileName(int index);
     void offerCleanerRow(int index, int row);
     QFileSystemWatcher* watcher = nullptr;
-
-public:
     // What tells one version of a file from the next: a file replaced by renaming has another
     // inode, one written in place another time or size.
     struct FileStamp
@@ -190,8 +188,7 @@ public:
         qint64 size = 0;
         bool operator==(const FileStamp&) const = default;
     };
-
-private:
+    static FileStamp stampOf(const QByteArray& path);
     std::array<FileStamp, 2> stamps{};
     std::array<quint64, 2> readRevision{};
     // Set while a pane's text is replaced as a step the user can undo.

@@ -320,6 +320,9 @@ void DiffWin::setTxEnc(int index)
         txtBox[index]->replaceText(prepared);
     else
         txtBox[index]->setText(prepared);
+    // An offer made for the text this one replaces no longer holds.
+    if (noticeBar)
+        noticeBar->withdraw(QStringLiteral("encoding%1").arg(index));
     if (cleaner >= 0)
         offerCleanerRow(index, cleaner);
     txtBox[index]->setTextFont(QStringLiteral("System"));

@@ -20,7 +20,14 @@ using toolkit::FolderItem;
 
 namespace {
 
-DiffWin::FileStamp stampOf(const QByteArray& path)
+QString pathOf(const QByteArray& bytes)
+{
+    return QFile::decodeName(bytes);
+}
+
+} // namespace
+
+DiffWin::FileStamp DiffWin::stampOf(const QByteArray& path)
 {
     struct stat info;
     if (path.isEmpty() || ::stat(path.constData(), &info) != 0)
@@ -28,13 +35,6 @@ DiffWin::FileStamp stampOf(const QByteArray& path)
     return {true, quint64(info.st_ino), qint64(info.st_mtim.tv_sec), qint64(info.st_mtim.tv_nsec),
         qint64(info.st_size)};
 }
-
-QString pathOf(const QByteArray& bytes)
-{
-    return QFile::decodeName(bytes);
-}
-
-} // namespace
 
 void DiffWin::openFile(int index)
 {

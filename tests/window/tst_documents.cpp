@@ -397,6 +397,11 @@ void TstDocuments::encodings()
     load(w, files.write("sjis.txt", kShiftJis), 0);
     QVERIFY(w->txtBox[0]->Text().contains(QChar::ReplacementCharacter));
     QCOMPARE(w->noticeBar->text(), globals::kNoticeHint().arg("sjis.txt", "UTF-8", "ShiftJIS"));
+    // Another row picked in the pop-up: the offer is made anew for it, in place of the last.
+    w->TEBMenu[0]->setMenuValue(3);
+    emit w->TEBMenu[0]->Action();
+    QCOMPARE(
+        w->noticeBar->text(), globals::kNoticeHint().arg("sjis.txt", "Japanese EUC", "ShiftJIS"));
     auto* offer = w->noticeBar->findChild<QAbstractButton*>("encoding0");
     QVERIFY(offer);
     QCOMPARE(offer->text(), globals::kNoticeUseEncoding().arg("ShiftJIS"));
