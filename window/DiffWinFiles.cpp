@@ -32,6 +32,9 @@ DiffWin::FileStamp DiffWin::stampOf(const QByteArray& path)
     struct stat info;
     if (path.isEmpty() || ::stat(path.constData(), &info) != 0)
         return {};
+    // A package changes with its text.
+    if (S_ISDIR(info.st_mode) && ::stat((path + "/TXT.rtf").constData(), &info) != 0)
+        return {};
     return {true, quint64(info.st_ino), qint64(info.st_mtim.tv_sec), qint64(info.st_mtim.tv_nsec),
         qint64(info.st_size)};
 }
@@ -71,9 +74,12 @@ void DiffWin::Reload(bool discardEdits)
             kept[size_t(index)] = true;
             continue;
         }
+        // The view stays where the user was reading.
+        const int line = txtBox[index]->VerticalScrollPosition();
         replaceUndoably = true;
         setTextBox(FolderItem(shownFile[index]), index, txtBox[index], titleBox[index]);
         replaceUndoably = false;
+        txtBox[index]->setVerticalScrollPosition(line);
     }
     for (int index = 0; index < 2; ++index) {
         if (!kept[size_t(index)])
@@ -108,6 +114,8 @@ void DiffWin::watchShownFiles(int readNow)
         // the watch of the old one, and the folder tells when the new one is there.
         const QString path = pathOf(shownFile[index]);
         paths << path << QFileInfo(path).absolutePath();
+        if (QFileInfo(path).isDir())
+            paths << path + QStringLiteral("/TXT.rtf");
     }
     paths.removeDuplicates();
     for (const QString& path : paths) {
@@ -124,9 +132,14 @@ void DiffWin::shownFileChanged(const QString&)
         const FileStamp now = stampOf(shownFile[index]);
         const QString path = pathOf(shownFile[index]);
         // Watched again when it comes back after a rename.
-        if (now.exists && !watcher->files().contains(path)
-            && !watcher->directories().contains(path))
-            watcher->addPath(path);
+        QStringList again{path};
+        if (QFileInfo(path).isDir())
+            again << path + QStringLiteral("/TXT.rtf");
+        for (const QString& p : again) {
+            if (QFileInfo::exists(p) && !watcher->files().contains(p)
+                && !watcher->directories().contains(p))
+                watcher->addPath(p);
+        }
         if (now == stamps[size_t(index)])
             continue;
         stamps[size_t(index)] = now;
