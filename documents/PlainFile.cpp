@@ -80,7 +80,8 @@ PlainFile::PlainFile(const std::string& path)
 {
     struct stat info;
     if (::stat(path.c_str(), &info) != 0) {
-        problem = cannot("open", path, errno);
+        failure = errno;
+        problem = cannot("open", path, failure);
         return;
     }
     if (!S_ISREG(info.st_mode)) {
@@ -89,7 +90,8 @@ PlainFile::PlainFile(const std::string& path)
     }
     fd = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
     if (fd < 0) {
-        problem = cannot("open", path, errno);
+        failure = errno;
+        problem = cannot("open", path, failure);
         return;
     }
     if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) {
@@ -119,8 +121,10 @@ std::size_t PlainFile::read(char* into, std::size_t count)
         const ssize_t got = count == 0 ? 0 : ::read(fd, into, count);
         if (got < 0 && errno == EINTR)
             continue;
-        if (got < 0)
-            problem = cannot("read", path, errno);
+        if (got < 0) {
+            failure = errno;
+            problem = cannot("read", path, failure);
+        }
         if (got <= 0) {
             ended = true;
             return 0;

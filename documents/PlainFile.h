@@ -33,6 +33,8 @@ public:
     int descriptor() const { return fd; }
     // One line telling why the file could not be opened or read.
     const std::string& error() const { return problem; }
+    // The system's error number behind error(); 0 when the path names no regular file.
+    int errorNumber() const { return failure; }
     // The size when opened; files of /proc report 0 and still have text.
     std::uint64_t sizeAtOpen() const { return size; }
     // Reads up to `count` bytes into `into`; 0 at the end or on an error. A file is taken up to
@@ -54,6 +56,7 @@ private:
     std::uint64_t taken = 0;
     bool ended = false;
     std::string problem;
+    int failure = 0;
 };
 
 // A whole file's bytes.

@@ -18,14 +18,21 @@ MenuBar1::MenuBar1()
 {
     Untitled0();
     Untitled1();
+    UntitledView();
     Untitled2();
     build();
 }
 
 void MenuBar1::Untitled0()
 {
+    MenuItem* file = Append(std::make_unique<MenuItem>("FileMenu", globals::kFileM()));
+    file->Append(std::make_unique<MenuItem>("FileOpenLeft", globals::kFileOpenLeft(), "Cmd+O"));
+    file->Append(
+        std::make_unique<MenuItem>("FileOpenRight", globals::kFileOpenRight(), "Cmd+Shift+O"));
+    file->Append(std::make_unique<MenuItem>("FileReload", globals::kFileReload(), "Cmd+R, F5"));
+    file->Append(std::make_unique<MenuItem>("FileSeparator", "-"));
     // The doubled modifier is how the item always stored it; it reads as Ctrl+Q.
-    Append(std::make_unique<MenuItem>(
+    file->Append(std::make_unique<MenuItem>(
         "FileQuit", globals::kFileQuit(), "Cmd+Cmd+Q", MenuItem::Kind::Quit));
 }
 
@@ -42,6 +49,16 @@ void MenuBar1::Untitled1()
     edit->Append(std::make_unique<MenuItem>("UntitledMenu0", "-"));
     edit->Append(std::make_unique<MenuItem>("EditSelectAll", globals::kEditSelectAll(), "Cmd+A"));
     edit->Append(std::make_unique<MenuItem>("UntitledSeparator", "-"));
+}
+
+// Alt with the arrows, Home and End: the panes keep the plain and Ctrl forms for the caret.
+void MenuBar1::UntitledView()
+{
+    MenuItem* view = Append(std::make_unique<MenuItem>("ViewMenu", globals::kViewM()));
+    view->Append(std::make_unique<MenuItem>("ViewTop", globals::kViewTop(), "Alt+Home"));
+    view->Append(std::make_unique<MenuItem>("ViewPrev", globals::kViewPrev(), "Alt+Up"));
+    view->Append(std::make_unique<MenuItem>("ViewNext", globals::kViewNext(), "Alt+Down"));
+    view->Append(std::make_unique<MenuItem>("ViewBottom", globals::kViewBottom(), "Alt+End"));
 }
 
 void MenuBar1::Untitled2()

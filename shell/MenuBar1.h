@@ -2,8 +2,9 @@
 
 #include "MenuBar.h"
 
-// The one menu bar: Quit on the bar itself, the Edit menu for the panes, the Help menu for the
-// three information windows. Texts are fetched once, in the user's language, when it is built.
+// The one menu bar: the File menu (opening, reloading, quitting), the Edit menu for the panes,
+// the View menu to step through the differences, the Help menu for the three information windows.
+// Texts are fetched once, in the user's language, when it is built.
 class MenuBar1 : public toolkit::MenuBar
 {
     Q_OBJECT
@@ -14,5 +15,6 @@ private:
     MenuBar1();
     void Untitled0();
     void Untitled1();
+    void UntitledView();
     void Untitled2();
 };

@@ -123,22 +123,27 @@ QString kManualT()
 ◆ The left and right panes hold the two texts. The indicator between them joins each stretch of lines that differs by a yellow band (#FFCC00), from its place on the left to its place on the right; its blue ground (#99CCFF) stands for the lines that are the same. The current difference is drawn in orange, and its lines are selected in both panes. The small boxes at the lower left and lower right show the two colours.
 
 ◆ "Next" and "Prev" step to the next and the previous difference and show it a few lines below the top of the panes; "Top" and "Btm" go to the beginning and the end. The number between the panes counts the differences, and "All same!" shows when there are none. Click a band to make that difference the current one. Turn the mouse wheel over the indicator to scroll both panes together.
+The View menu does the same from the keyboard: Alt+Home to the top, Alt+Up to the previous difference, Alt+Down to the next, Alt+End to the bottom.
 
 ◆ Drop one or two files on the window or on a pane.
 On the window or on the left pane, the first file goes to the left and the second to the right.
 On the right pane, the first file goes to the right and the second to the left.
 A dropped file replaces the text of its pane; dropped text is added to it.
+The File menu opens a file into a pane as a drop does: Open Left… (Ctrl+O), Open Right… (Ctrl+Shift+O). Reload (Ctrl+R or F5) reads both panes' files again.
 
 ◆ Files can also be given on the command line, "twinly LEFT RIGHT", or opened with Twinly from the file manager.
 While Twinly runs, opening more files hands them to its window instead of starting a second one.
 
 ◆ Each pane has its own "Text encoding" popup: UTF-8, ShiftJIS, Japanese MacOS, Japanese EUC and ShiftJIS-X0212.
-Choosing one shows the pane's last file again in that encoding, in place of any edits.
+Choosing one shows the pane's last file again in that encoding, in place of any edits; Undo (Ctrl+Z) brings them back, as it does after Reload and "Clear All".
+When the chosen encoding can't read some bytes and another one reads them all, the bar at the bottom of the window offers it.
 
 ◆ Rich text (.rtf files and .rtfd folders) is shown with its styles.
 HTML and other files are shown as plain text; PNG and JPEG pictures, PDF, movies and ZIP archives are not read.
 
 ◆ The title above a pane names its file; click it to see the folders that hold the file. "Clear All" empties both panes.
+
+◆ A bar at the bottom of the window tells of a file that could not be read, and why, and of a shown file that has changed on disk, with a button to reload it. Ctrl+Q quits.
 
 
 (Note)
@@ -385,6 +390,124 @@ QString kNoticeClose()
 {
     //% "Close"
     return lookUp(QT_TRID_NOOP("globals.kNoticeClose"), u"Close");
+}
+
+QString kFileM()
+{
+    //% "File"
+    return lookUp(QT_TRID_NOOP("globals.kFileM"), u"File");
+}
+
+QString kFileOpenLeft()
+{
+    //% "Open Left…"
+    return lookUp(QT_TRID_NOOP("globals.kFileOpenLeft"), u"Open Left…");
+}
+
+QString kFileOpenRight()
+{
+    //% "Open Right…"
+    return lookUp(QT_TRID_NOOP("globals.kFileOpenRight"), u"Open Right…");
+}
+
+QString kFileReload()
+{
+    //% "Reload"
+    return lookUp(QT_TRID_NOOP("globals.kFileReload"), u"Reload");
+}
+
+QString kViewM()
+{
+    //% "View"
+    return lookUp(QT_TRID_NOOP("globals.kViewM"), u"View");
+}
+
+QString kViewTop()
+{
+    //% "Top"
+    return lookUp(QT_TRID_NOOP("globals.kViewTop"), u"Top");
+}
+
+QString kViewPrev()
+{
+    //% "Previous"
+    return lookUp(QT_TRID_NOOP("globals.kViewPrev"), u"Previous");
+}
+
+QString kViewNext()
+{
+    //% "Next"
+    return lookUp(QT_TRID_NOOP("globals.kViewNext"), u"Next");
+}
+
+QString kViewBottom()
+{
+    //% "Bottom"
+    return lookUp(QT_TRID_NOOP("globals.kViewBottom"), u"Bottom");
+}
+
+QString kNoticePermission()
+{
+    //% "permission to read it is denied"
+    return lookUp(QT_TRID_NOOP("globals.kNoticePermission"), u"permission to read it is denied");
+}
+
+QString kNoticeFolder()
+{
+    //% "it is a folder"
+    return lookUp(QT_TRID_NOOP("globals.kNoticeFolder"), u"it is a folder");
+}
+
+QString kNoticeSpecial()
+{
+    //% "it is a device, a FIFO or a socket"
+    return lookUp(QT_TRID_NOOP("globals.kNoticeSpecial"), u"it is a device, a FIFO or a socket");
+}
+
+QString kNoticeTooLarge()
+{
+    //% "it is too large to show"
+    return lookUp(QT_TRID_NOOP("globals.kNoticeTooLarge"), u"it is too large to show");
+}
+
+QString kNoticeChanged()
+{
+    //% "%1 has changed on disk."
+    return lookUp(QT_TRID_NOOP("globals.kNoticeChanged"), u"%1 has changed on disk.");
+}
+
+QString kNoticeChangedEdited()
+{
+    //% "%1 has changed on disk. Reloading replaces the edits in its pane; Undo brings them back."
+    return lookUp(QT_TRID_NOOP("globals.kNoticeChangedEdited"),
+        u"%1 has changed on disk. Reloading replaces the edits in its pane; Undo brings them "
+        u"back.");
+}
+
+QString kNoticeChangedStyled()
+{
+    //% "%1 has changed on disk. Reloading discards the edits in its pane."
+    return lookUp(QT_TRID_NOOP("globals.kNoticeChangedStyled"),
+        u"%1 has changed on disk. Reloading discards the edits in its pane.");
+}
+
+QString kNoticeReloadAnyway()
+{
+    //% "Reload and discard edits"
+    return lookUp(QT_TRID_NOOP("globals.kNoticeReloadAnyway"), u"Reload and discard edits");
+}
+
+QString kNoticeHint()
+{
+    //% "%1 has bytes that %2 cannot read; %3 reads them all."
+    return lookUp(QT_TRID_NOOP("globals.kNoticeHint"),
+        u"%1 has bytes that %2 cannot read; %3 reads them all.");
+}
+
+QString kNoticeUseEncoding()
+{
+    //% "Read as %1"
+    return lookUp(QT_TRID_NOOP("globals.kNoticeUseEncoding"), u"Read as %1");
 }
 
 } // namespace globals

@@ -74,5 +74,25 @@ QString kNoticeShrank();
 QString kNoticeLinkRefused();
 QString kNoticePictures();
 QString kNoticeClose();
+// The File and View menus, and what the notice bar offers.
+QString kFileM();
+QString kFileOpenLeft();
+QString kFileOpenRight();
+QString kFileReload();
+QString kViewM();
+QString kViewTop();
+QString kViewPrev();
+QString kViewNext();
+QString kViewBottom();
+QString kNoticePermission();
+QString kNoticeFolder();
+QString kNoticeSpecial();
+QString kNoticeTooLarge();
+QString kNoticeChanged();
+QString kNoticeChangedEdited();
+QString kNoticeChangedStyled();
+QString kNoticeReloadAnyway();
+QString kNoticeHint();
+QString kNoticeUseEncoding();
 
 } // namespace globals

@@ -133,6 +133,8 @@ MenuItem* MenuItem::Append(std::unique_ptr<MenuItem> child)
 
 QList<QKeySequence> shortcutsFor(const QString& literal)
 {
+    if (literal.contains(u','))
+        return shortcutsForEach(literal);
     if (literal.isEmpty())
         return {};
     QKeyCombination combination;
@@ -166,6 +168,18 @@ QList<QKeySequence> shortcutsFor(const QString& literal)
 
 namespace {
 MenuBar* lastBuilt = nullptr;
+}
+
+QList<QKeySequence> shortcutsForEach(const QString& literals)
+{
+    QList<QKeySequence> all;
+    for (const QString& literal : literals.split(u',', Qt::SkipEmptyParts)) {
+        for (const QKeySequence& key : shortcutsFor(literal.trimmed())) {
+            if (!all.contains(key))
+                all << key;
+        }
+    }
+    return all;
 }
 
 MenuBar::MenuBar() = default;
@@ -226,7 +240,8 @@ void MenuBar::buildItem(MenuItem& item, QMenu* into)
                 child->action->setEnabled(true);
         });
     } else {
-        item.action = new QAction(item.Value, this);
+        // A separator with a text is drawn as a heading showing that text.
+        item.action = new QAction(item.isSeparator() ? QString() : item.Value, this);
         item.action->setObjectName(item.Name);
         item.action->setSeparator(item.isSeparator());
         item.action->setShortcuts(shortcutsFor(item.Shortcut));

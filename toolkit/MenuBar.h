@@ -25,7 +25,8 @@ public:
 
     QString Name;
     QString Value;
-    QString Shortcut; // "Cmd+Shift+Z": Cmd is the desktop's command key, Ctrl here
+    // "Cmd+Shift+Z": Cmd is the desktop's command key, Ctrl here; a comma separates several.
+    QString Shortcut;
     Kind kind;
     bool AutoEnabled = true;
     bool Visible = true;
@@ -41,6 +42,8 @@ public:
 // "Cmd+Cmd+Q" and friends as key sequences; a sequence that is a binding of one of the desktop's
 // standard keys brings that key's other bindings too, behind it.
 QList<QKeySequence> shortcutsFor(const QString& literal);
+// Several such literals separated by commas ("Cmd+R, F5"), all of them, in order.
+QList<QKeySequence> shortcutsForEach(const QString& literals);
 
 // A menu bar shared by several windows: each window gets a bar of its own that shows the same
 // menus and actions. A chosen item goes to the front window's handler of that name; editing items

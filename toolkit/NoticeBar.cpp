@@ -3,6 +3,7 @@
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPushButton>
 #include <QToolButton>
 
 #include <algorithm>
@@ -13,6 +14,7 @@ NoticeBar::NoticeBar(QWidget* parent, const QString& closeTip)
     : QWidget(parent)
     , label(new QLabel(this))
     , closeButton(new QToolButton(this))
+    , row(new QHBoxLayout(this))
 {
     setAutoFillBackground(true);
     QPalette colours = palette();
@@ -28,7 +30,6 @@ NoticeBar::NoticeBar(QWidget* parent, const QString& closeTip)
     closeButton->setToolTip(closeTip);
     closeButton->setAccessibleName(closeTip);
     connect(closeButton, &QToolButton::clicked, this, &NoticeBar::dismiss);
-    auto* row = new QHBoxLayout(this);
     row->setContentsMargins(8, 4, 4, 4);
     row->addWidget(label, 1);
     row->addWidget(closeButton, 0, Qt::AlignTop);
@@ -49,6 +50,41 @@ void NoticeBar::addNotice(const QString& line)
     raise();
 }
 
+void NoticeBar::addAction(const QString& key, const QString& text, std::function<void()> act)
+{
+    QPushButton* button = findChild<QPushButton*>(key, Qt::FindDirectChildrenOnly);
+    if (!button) {
+        button = new QPushButton(this);
+        button->setObjectName(key);
+        row->insertWidget(row->indexOf(closeButton), button, 0, Qt::AlignTop);
+        actions.push_back(button);
+    }
+    button->setText(text);
+    lineOf.insert(key, lines.value(lines.size() - 1));
+    button->disconnect(this);
+    connect(button, &QPushButton::clicked, this, [this, act = std::move(act)] {
+        // The bar may be told something new by what the action does; the button goes before.
+        const std::function<void()> run = act;
+        dismiss();
+        run();
+    });
+    place();
+}
+
+void NoticeBar::withdraw(const QString& key)
+{
+    QPushButton* button = findChild<QPushButton*>(key, Qt::FindDirectChildrenOnly);
+    if (!button)
+        return;
+    lines.removeOne(lineOf.take(key));
+    actions.erase(std::find(actions.begin(), actions.end(), button));
+    delete button;
+    if (lines.isEmpty())
+        return dismiss();
+    label->setText(lines.join(QLatin1Char('\n')));
+    place();
+}
+
 QString NoticeBar::text() const
 {
     return isVisible() ? lines.join(QLatin1Char('\n')) : QString();
@@ -57,6 +93,13 @@ QString NoticeBar::text() const
 void NoticeBar::dismiss()
 {
     lines.clear();
+    for (QPushButton* button : actions) {
+        button->setObjectName(QString());
+        button->hide();
+        button->deleteLater();
+    }
+    actions.clear();
+    lineOf.clear();
     hide();
 }
 
@@ -70,9 +113,19 @@ bool NoticeBar::eventFilter(QObject* watched, QEvent* event)
 void NoticeBar::place()
 {
     const QWidget* over = parentWidget();
-    int height = heightForWidth(over->width());
-    if (height <= 0)
-        height = sizeHint().height();
+    // The label wraps in the width the buttons leave it; the layout's own answer to the height
+    // for a width overlooks the buttons.
+    const QMargins margins = row->contentsMargins();
+    int labelWidth = over->width() - margins.left() - margins.right();
+    int height = 0;
+    std::vector<QWidget*> buttons(actions.begin(), actions.end());
+    buttons.push_back(closeButton);
+    for (QWidget* button : buttons) {
+        labelWidth -= button->sizeHint().width() + row->spacing();
+        height = std::max(height, button->sizeHint().height());
+    }
+    height = std::max(height, label->heightForWidth(std::max(labelWidth, 1)));
+    height += margins.top() + margins.bottom();
     height = std::min(height, over->height() / 3);
     setGeometry(0, over->height() - height, over->width(), height);
 }

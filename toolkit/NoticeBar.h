@@ -1,15 +1,21 @@
 #pragma once
 
+#include <QHash>
 #include <QWidget>
 
+#include <functional>
+#include <vector>
+
+class QHBoxLayout;
 class QLabel;
+class QPushButton;
 class QToolButton;
 
 namespace toolkit {
 
 // A strip over the bottom edge of its parent that tells of a file that was not read, or not
-// read whole. It takes no room from the controls below it and never blocks: the user closes it,
-// or the next good read does.
+// read whole, or changed, with buttons for what can be done about it. It takes no room from the
+// controls below it and never blocks: the user closes it, or the next good read does.
 class NoticeBar : public QWidget
 {
     Q_OBJECT
@@ -19,6 +25,11 @@ public:
 
     // Shows `line` under the ones already shown (a few at most, the oldest go first).
     void addNotice(const QString& line);
+    // A button on the bar, after the lines, that closes the bar and runs `act`; one of the same
+    // key takes its place. The button's object name is the key. It belongs to the last line.
+    void addAction(const QString& key, const QString& text, std::function<void()> act);
+    // Takes the button of that key away, with its line; the bar closes when no line is left.
+    void withdraw(const QString& key);
     // The lines shown, one a line; empty when hidden.
     QString text() const;
     void dismiss();
@@ -33,7 +44,11 @@ private:
 
     QLabel* label;
     QToolButton* closeButton;
+    QHBoxLayout* row;
     QStringList lines;
+    std::vector<QPushButton*> actions;
+    // The line each button belongs to, by its key.
+    QHash<QString, QString> lineOf;
 };
 
 } // namespace toolkit

@@ -211,6 +211,33 @@ PlainPane::PlainPane(QWidget* parent)
 
 void PlainPane::setStore(LineStore store)
 {
+    undos.clear();
+    redos.clear();
+    showStore(std::move(store));
+}
+
+void PlainPane::replaceStore(LineStore store)
+{
+    Edit e{0, {}, {}, caret, anchor, false, std::make_unique<LineStore>(std::move(store))};
+    swapWhole(e);
+    undos.push_back(std::move(e));
+    redos.clear();
+    // Each such step keeps a whole text alive: past a few, the oldest history goes, up to and
+    // with the oldest of them.
+    const auto whole = [](const Edit& step) { return step.other != nullptr; };
+    if (std::count_if(undos.begin(), undos.end(), whole) > kWholeSteps)
+        undos.erase(undos.begin(), std::find_if(undos.begin(), undos.end(), whole) + 1);
+}
+
+void PlainPane::swapWhole(Edit& e)
+{
+    LineStore shown = std::move(text);
+    showStore(std::move(*e.other));
+    *e.other = std::move(shown);
+}
+
+void PlainPane::showStore(LineStore store)
+{
     text = std::move(store);
     ++rev;
     caret = anchor = 0;
@@ -218,8 +245,6 @@ void PlainPane::setStore(LineStore store)
     markCount = 0;
     marked.clear();
     preedit.clear();
-    undos.clear();
-    redos.clear();
     widestLaidOut = 0;
     forgetLayouts();
     verticalScrollBar()->setValue(0);
@@ -935,6 +960,12 @@ void PlainPane::undo()
         return;
     Edit e = std::move(undos.back());
     undos.pop_back();
+    if (e.other) {
+        swapWhole(e);
+        setSelection(e.anchorBefore, e.caretBefore, false);
+        redos.push_back(std::move(e));
+        return;
+    }
     change(e.at, e.at + e.inserted.size(), e.removed);
     caret = e.caretBefore;
     anchor = e.anchorBefore;
@@ -948,6 +979,11 @@ void PlainPane::redo()
         return;
     Edit e = std::move(redos.back());
     redos.pop_back();
+    if (e.other) {
+        swapWhole(e);
+        undos.push_back(std::move(e));
+        return;
+    }
     change(e.at, e.at + e.removed.size(), e.inserted);
     caret = anchor = e.at + e.inserted.size();
     e.typing = false;

@@ -7,6 +7,7 @@
 #include <QBasicTimer>
 #include <QPoint>
 
+#include <memory>
 #include <unordered_map>
 #include <vector>
 
@@ -47,6 +48,11 @@ public:
     QRectF caretRect(qsizetype position) const;
     qreal xOf(qsizetype line, qsizetype column) const;
 
+    // Takes a whole new text as one step that Undo takes back. The old text's blocks are kept,
+    // not copied, so the step costs next to nothing whatever the size.
+    void replaceStore(LineStore store);
+    // How many such steps the undo history holds at most.
+    static constexpr int kWholeSteps = 4;
     // Edits as the user makes them: they can be undone.
     void replaceSelection(const QString& with);
     void replace(qsizetype from, qsizetype to, const QString& with);
@@ -133,7 +139,12 @@ private:
         QString inserted;
         qsizetype caretBefore, anchorBefore;
         bool typing;
+        // A whole text replaced: the text on the other side of the step.
+        std::unique_ptr<LineStore> other = {};
     };
+    void showStore(LineStore store);
+    // Puts the other text of a whole-text step in place, keeping the one it replaces there.
+    void swapWhole(Edit& e);
 
     LineStore text;
     quint64 rev = 0;

@@ -184,6 +184,14 @@ void TextArea::setText(const PreparedText& text)
     plain->setStore(text.lines ? *text.lines : LineStore());
 }
 
+void TextArea::replaceText(const PreparedText& text)
+{
+    if (rich)
+        return setText(text);
+    ++fills;
+    plain->replaceStore(text.lines ? *text.lines : LineStore());
+}
+
 bool TextArea::setText(const QString& text, const std::function<bool()>& between)
 {
     // Big enough that the slices cost nothing, small enough that events run several times a

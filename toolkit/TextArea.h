@@ -47,6 +47,8 @@ public:
     // the UI thread at once, and raises TextChange like setText(QString).
     static PreparedText prepare(QString text);
     void setText(const PreparedText& text);
+    // The same as one step that Undo takes back, in a plain pane; a styled pane starts clean.
+    void replaceText(const PreparedText& text);
 
     // Starts a styled document: the pane shows a new, empty rich text for a reader to fill,
     // inside one edit block so that it is laid out once. The next plain text starts clean again.

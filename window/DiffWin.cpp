@@ -603,6 +603,21 @@ void DiffWin::AddMenuHandlers()
     addMenuHandler(QStringLiteral("HelpAbout"), [this] { return _HelpAbout_Action(); });
     addMenuHandler(QStringLiteral("HelpHelp"), [this] { return _HelpHelp_Action(); });
     addMenuHandler(QStringLiteral("FileClose"), [this] { return _FileClose_Action(); });
+    addMenuHandler(QStringLiteral("FileOpenLeft"), [this] { return _FileOpenLeft_Action(); });
+    addMenuHandler(QStringLiteral("FileOpenRight"), [this] { return _FileOpenRight_Action(); });
+    addMenuHandler(QStringLiteral("FileReload"), [this] { return _FileReload_Action(); });
+    // The View menu does what the buttons do.
+    const auto button = [this](void (DiffWin::*action)()) {
+        return [this, action] {
+            (this->*action)();
+            return true;
+        };
+    };
+    addMenuHandler(QStringLiteral("ViewTop"), button(&DiffWin::TopBtn_Action));
+    addMenuHandler(QStringLiteral("ViewPrev"), button(&DiffWin::PrevBtn_Action));
+    addMenuHandler(QStringLiteral("ViewNext"), button(&DiffWin::NextBtn_Action));
+    addMenuHandler(QStringLiteral("ViewBottom"), button(&DiffWin::BtmBtn_Action));
+    askForFile = [this](int index) { return askFileName(index); };
 }
 
 bool DiffWin::_HelpLicense_Action()

@@ -12,12 +12,14 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+class QFileSystemWatcher;
 class QTimer;
 
 namespace toolkit {
@@ -71,6 +73,19 @@ public:
     // echoNotices is set).
     void notice(const QString& line);
 
+    // Asks for a file and reads it into pane `index`, as a drop of that file on the pane would.
+    void openFile(int index);
+    // Asks for the file to open in pane `index`: its path's bytes, empty when the user cancels.
+    std::function<QByteArray(int index)> askForFile;
+    // Reads both panes' files again under their encodings, as one step of each pane's undo. A
+    // styled pane with edits is reloaded only with `discardEdits`: its edits can't be undone.
+    void Reload(bool discardEdits = false);
+    // Whether the pane's text has changed since its file was read.
+    bool editedSinceRead(int index) const;
+    // The file each pane shows, by its path's bytes; empty when none.
+    std::array<QByteArray, 2> shownFile;
+    std::array<QString, 2> shownName;
+
     std::vector<SeqDiff::Difference> diffs;
     std::vector<std::int64_t> topsA, topsB;
     std::array<int, 2> scrolTop{0, 0};
@@ -113,9 +128,7 @@ public:
     toolkit::Timer* Timer2 = nullptr;
     toolkit::Timer* Timer3 = nullptr;
     toolkit::NoticeBar* noticeBar = nullptr;
-    // Set while documents opened with the program are read: a file refused or unreadable is
-    // told of then, though a dropped one is not.
-    bool noticeRefusals = false;
+    // Set while the launch's own files are read: their notices go to stderr too.
     bool echoNotices = false;
 
 signals:
@@ -164,6 +177,32 @@ private:
     void readPlain(const toolkit::FolderItem& file, int index, toolkit::TextArea* pane,
         toolkit::BevelButton* title);
     void refused(const toolkit::FolderItem& file, const QString& reason);
+    // Why a plain file could not be opened, in the notice's words.
+    static QString whyNotOpened(const toolkit::FolderItem& file, int error);
+    // Watches the files shown, so that a change on disk is told of with Reload at hand; the pane
+    // `readNow` has just read its own.
+    void watchShownFiles(int readNow = -1);
+    void shownFileChanged(const QString& path);
+    void takeEncodingRow(int index, int row);
+    QByteArray askFileName(int index);
+    void offerCleanerRow(int index, int row);
+    QFileSystemWatcher* watcher = nullptr;
+    // What tells one version of a file from the next: a file replaced by renaming has another
+    // inode, one written in place another time or size.
+    struct FileStamp
+    {
+        bool exists = false;
+        quint64 inode = 0;
+        qint64 seconds = 0;
+        qint64 nanoseconds = 0;
+        qint64 size = 0;
+        bool operator==(const FileStamp&) const = default;
+    };
+    static FileStamp stampOf(const QByteArray& path);
+    std::array<FileStamp, 2> stamps{};
+    std::array<quint64, 2> readRevision{};
+    // Set while a pane's text is replaced as a step the user can undo.
+    bool replaceUndoably = false;
     // Whether the read under way has told of something, so its notice stays.
     bool noticedThisRead = false;
 
@@ -186,6 +225,9 @@ private:
     bool _HelpAbout_Action();
     bool _HelpHelp_Action();
     bool _FileClose_Action();
+    bool _FileOpenLeft_Action();
+    bool _FileOpenRight_Action();
+    bool _FileReload_Action();
 
     Comparison::Revisions revisions() const;
     void takeResult(Comparison::Revisions revisions, std::shared_ptr<Comparison::Records> records);

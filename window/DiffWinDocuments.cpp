@@ -4,6 +4,7 @@
 #include "BevelButton.h"
 #include "DiffWin.h"
 #include "DragItem.h"
+#include "EncodingHint.h"
 #include "FileTypes1.h"
 #include "FolderItem.h"
 #include "Keyboard.h"
@@ -26,9 +27,13 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <cerrno>
 #include <cstdio>
 #include <exception>
 #include <functional>
+#include <limits>
+#include <new>
+#include <span>
 #include <stop_token>
 #include <string_view>
 #include <thread>
@@ -144,7 +149,7 @@ void DiffWin::setTextBox(FolderItem file, int index, TextArea* pane, BevelButton
     if (file.Alias())
         file = file.resolved();
     if (file.isNull() || !file.Exists())
-        return refused(given, globals::kNoticeMissing());
+        return refused(given, whyNotOpened(given, ENOENT));
     const QString ext = kindOf(file.Name());
     if (listed(kExcludedKinds, ext))
         return refused(given, globals::kNoticeRefusedKind());
@@ -152,13 +157,16 @@ void DiffWin::setTextBox(FolderItem file, int index, TextArea* pane, BevelButton
     if (isStyledKind(ext))
         readStyled(file, index, pane, ext);
     else if (file.IsFolder())
-        return refused(given, globals::kNoticeNotAFile());
+        return refused(given, globals::kNoticeFolder());
     else
         readPlain(file, index, pane, title);
     // A good read takes the last one's notice away.
     if (noticeBar && !noticedThisRead)
         noticeBar->dismiss();
     MakeTitlePopup(title, file);
+    shownFile[index] = file.NativeBytes();
+    readRevision[index] = txtBox[index]->contentRevision();
+    watchShownFiles(index);
     txtBox[index]->setVerticalScrollPosition(0);
     dirty = true;
     Timer1->setMode(0);
@@ -200,14 +208,18 @@ void DiffWin::readPlain(const FolderItem& file, int index, TextArea* pane, Bevel
 {
     documents::PlainFile stream(file.NativeBytes().toStdString());
     if (!stream.isOpen())
-        return refused(file,
-            documents::pathKind(file.NativeBytes().toStdString()) == documents::PathKind::File
-                ? globals::kNoticeUnreadable()
-                : globals::kNoticeNotAFile());
+        return refused(file, whyNotOpened(file, stream.errorNumber()));
+    // A pane counts its characters in an int.
+    if (stream.sizeAtOpen() > std::uint64_t(std::numeric_limits<int>::max()))
+        return refused(file, globals::kNoticeTooLarge());
     std::string text;
     // Room for the whole file at once, rather than growing by doubling: half the memory on a
     // large file. A file that reports no size grows as it is read.
-    text.reserve(std::size_t(std::min<std::uint64_t>(stream.sizeAtOpen(), text.max_size())));
+    try {
+        text.reserve(std::size_t(stream.sizeAtOpen()));
+    } catch (const std::bad_alloc&) {
+        return refused(file, globals::kNoticeTooLarge());
+    }
     title->setCaption(kProgressCaption);
     title->repaint();
     ++panesLoading;
@@ -246,6 +258,7 @@ void DiffWin::readPlain(const FolderItem& file, int index, TextArea* pane, Bevel
         notice(globals::kNoticeShrank().arg(file.DisplayName()));
     pane->setTextFont(QStringLiteral("System"));
     pane->setTextSize(0);
+    shownName[index] = file.DisplayName();
     textClone[index] = std::move(text);
     if (TEBMenu[index]->isHidden())
         initTEMenu(index);
@@ -254,8 +267,27 @@ void DiffWin::readPlain(const FolderItem& file, int index, TextArea* pane, Bevel
 
 void DiffWin::refused(const FolderItem& file, const QString& reason)
 {
-    if (noticeRefusals)
-        notice(globals::kNoticeNotRead().arg(file.DisplayName(), reason));
+    notice(globals::kNoticeNotRead().arg(file.DisplayName(), reason));
+}
+
+QString DiffWin::whyNotOpened(const FolderItem& file, int error)
+{
+    switch (documents::pathKind(file.NativeBytes().toStdString())) {
+    case documents::PathKind::Missing:
+        return error == EACCES ? globals::kNoticePermission() : globals::kNoticeMissing();
+    case documents::PathKind::File:
+        return error == EACCES || error == EPERM ? globals::kNoticePermission()
+                                                 : globals::kNoticeUnreadable();
+    case documents::PathKind::Folder:
+        return globals::kNoticeFolder();
+    case documents::PathKind::Fifo:
+    case documents::PathKind::Socket:
+    case documents::PathKind::Device:
+        return globals::kNoticeSpecial();
+    case documents::PathKind::Other:
+        break;
+    }
+    return globals::kNoticeNotAFile();
 }
 
 void DiffWin::notice(const QString& line)
@@ -273,6 +305,7 @@ void DiffWin::setTxEnc(int index)
     const std::string& bytes = textClone[index];
     const documents::TextEncoding encoding = TE[size_t(encodingMode[index])];
     toolkit::PreparedText prepared;
+    int cleaner = -1;
     // Off the window's thread, which then only hands the lines to the pane: a large text takes
     // seconds to decode and cut into lines.
     workAside([&](std::stop_token) {
@@ -280,9 +313,19 @@ void DiffWin::setTxEnc(int index)
             qsizetype(documents::maxDecodedLength(encoding, bytes.size())), Qt::Uninitialized);
         text.resize(qsizetype(
             documents::decode(encoding, bytes, reinterpret_cast<char16_t*>(text.data()))));
+        if (text.contains(QChar::ReplacementCharacter))
+            cleaner = documents::cleanerRow(bytes, std::span(TE).first(5), encodingMode[index]);
         prepared = TextArea::prepare(std::move(text));
     });
-    txtBox[index]->setText(prepared);
+    if (replaceUndoably)
+        txtBox[index]->replaceText(prepared);
+    else
+        txtBox[index]->setText(prepared);
+    // An offer made for the text this one replaces no longer holds.
+    if (noticeBar)
+        noticeBar->withdraw(QStringLiteral("encoding%1").arg(index));
+    if (cleaner >= 0)
+        offerCleanerRow(index, cleaner);
     txtBox[index]->setTextFont(QStringLiteral("System"));
     SameFilm->setVisible(txtBox[0]->hasSameText(*txtBox[1]));
 }
@@ -317,7 +360,9 @@ void DiffWin::TEBMenu_Action(int index)
     BevelButton* me = TEBMenu[index];
     me->setCaption(me->List(me->MenuValue()));
     encodingMode[index] = me->MenuValue();
+    replaceUndoably = true;
     setTxEnc(index);
+    replaceUndoably = false;
 }
 
 void DiffWin::MakeTitlePopup(BevelButton* button, const FolderItem& file)
@@ -356,12 +401,16 @@ void DiffWin::ClearButton_Action()
 void DiffWin::ClearBoxes()
 {
     for (int index = 0; index < 2; ++index) {
-        txtBox[index]->setText(QString());
+        // Undo brings the text back.
+        txtBox[index]->replaceText(TextArea::prepare(QString()));
         titleBox[index]->DeleteAllRows();
         toolkit::setTooltip(titleBox[index], QString());
         titleFolders[index].clear();
         initTEMenu(index);
+        shownFile[index].clear();
+        shownName[index].clear();
     }
+    watchShownFiles();
     titleBox[0]->setCaption(globals::kBoxLeft());
     titleBox[1]->setCaption(globals::kBoxRight());
 }

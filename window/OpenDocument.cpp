@@ -10,13 +10,12 @@ void App::Event_OpenDocument(const QByteArray& path)
 {
     auto& win = toolkit::implicitInstance<DiffWin>();
     win.Timer3->setMode(1);
+    // As after a drop: the first difference of the new texts becomes current.
+    win.onlyFirst = true;
     if (globals::fCount > 1)
         return;
     const int index = globals::fCount;
-    // A document opened with the program that can't be read is told of; a dropped one is not.
-    win.noticeRefusals = true;
     win.setTextBox(toolkit::FolderItem(path), index, win.txtBox[index], win.titleBox[index]);
-    win.noticeRefusals = false;
     globals::fCount += 1;
 }
 

@@ -1,3 +1,4 @@
+#include "EncodingHint.h"
 #include "TextEncoding.h"
 #include "Utf8.h"
 
@@ -54,6 +55,8 @@ private slots:
     void badSequences();
     void eucJpInLinearTime();
     void mutatedInputs();
+    void cleanerRow_data();
+    void cleanerRow();
 };
 
 void TestEncodings::everyCodeAsPerl_data()
@@ -236,6 +239,36 @@ void TestEncodings::mutatedInputs()
                 QCOMPARE(text, utf8);
         }
     }
+}
+
+void TestEncodings::cleanerRow_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<int>("current"); // a row of the pane's pop-up
+    QTest::addColumn<int>("offered"); // -1: none
+    const QByteArray sjis = QByteArray::fromHex("93fa967b8cea8365834c83588367") + "\n";
+    const QByteArray euc = QByteArray::fromHex("c6fccbdcb8eca5c6a5ada5b9a5c8") + "\n";
+    QTest::newRow("ShiftJIS under UTF-8") << sjis << 0 << 1;
+    QTest::newRow("EUC under UTF-8") << euc << 0 << 3;
+    QTest::newRow("EUC under ShiftJIS") << euc << 1 << 3;
+    QTest::newRow("read cleanly already") << sjis << 1 << -1;
+    // Text, not a decoding fault: the bytes spell U+FFFD.
+    QTest::newRow("UTF-8 spelling U+FFFD") << QByteArray("a \xef\xbf\xbd b\n") << 0 << -1;
+    QTest::newRow("only MacOS reads it") << QByteArray("\xff\xfe\xfd") << 0 << 2;
+    QTest::newRow("a cut lead byte: no row reads it") << QByteArray("abc\x81") << 0 << -1;
+    QTest::newRow("binary") << QByteArray("\x93\xfa\0\x96\x7b", 5) << 0 << -1;
+    QTest::newRow("past the limit")
+        << sjis.repeated(int(documents::kHintLimit / 15 + 1)) << 0 << -1;
+}
+
+void TestEncodings::cleanerRow()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(int, current);
+    QFETCH(int, offered);
+    const std::span<const TextEncoding> rows = std::span(documents::TE).first(5);
+    const std::string_view view(bytes.constData(), std::size_t(bytes.size()));
+    QCOMPARE(documents::cleanerRow(view, rows, current), offered);
 }
 
 QTEST_APPLESS_MAIN(TestEncodings)

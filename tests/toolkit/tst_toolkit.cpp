@@ -4,12 +4,16 @@
 #include "LineStore.h"
 #include "Lines.h"
 #include "MenuBar.h"
+#include "NoticeBar.h"
+#include "PlainPane.h"
 #include "TextArea.h"
 #include "Timer.h"
 
 #include <QAccessible>
 #include <QInputMethodEvent>
+#include <QLabel>
 #include <QMenu>
+#include <QPushButton>
 #include <QRegularExpression>
 #include <QScrollBar>
 #include <QSignalSpy>
@@ -118,6 +122,8 @@ private slots:
     void longTextsFillInSlices();
     void shortcutLiterals_data();
     void shortcutLiterals();
+    void noticeBarShowsEveryLine();
+    void wholeTextStepsAreBounded();
 };
 
 void TstToolkit::locksFollowTheParent_data()
@@ -673,6 +679,9 @@ void TstToolkit::shortcutLiterals_data()
         << "Cmd+Shift+Z" << QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z) << 2;
     QTest::newRow("select all") << "Cmd+A" << QKeySequence(Qt::CTRL | Qt::Key_A) << 1;
     QTest::newRow("none") << "" << QKeySequence() << 0;
+    QTest::newRow("two keys") << "Cmd+R, F5" << QKeySequence(Qt::CTRL | Qt::Key_R) << 2;
+    QTest::newRow("the second of two") << "Cmd+R, F5" << QKeySequence(Qt::Key_F5) << 2;
+    QTest::newRow("alt and an arrow") << "Alt+Up" << QKeySequence(Qt::ALT | Qt::Key_Up) << 1;
 }
 
 void TstToolkit::shortcutLiterals()
@@ -684,6 +693,53 @@ void TstToolkit::shortcutLiterals()
     QVERIFY(keys.size() >= atLeast);
     if (atLeast > 0)
         QVERIFY(keys.contains(primary));
+}
+
+// No line is cut off, however the buttons narrow the text; a button's key names one button.
+void TstToolkit::noticeBarShowsEveryLine()
+{
+    QWidget parent;
+    parent.resize(420, 600);
+    auto* bar = new toolkit::NoticeBar(&parent, QStringLiteral("Close"));
+    parent.show();
+    int runs = 0;
+    for (int i = 0; i < 3; ++i) {
+        bar->addNotice(QStringLiteral("notice %1 about a file with a long name, in words enough "
+                                      "to wrap at least once")
+                           .arg(i));
+        bar->addAction(QStringLiteral("k%1").arg(i % 2), QStringLiteral("Replaced"), [] {});
+        bar->addAction(QStringLiteral("k%1").arg(i % 2), QStringLiteral("Act"), [&] { ++runs; });
+    }
+    QCoreApplication::processEvents();
+    auto* label = bar->findChild<QLabel*>();
+    QVERIFY(label->height() >= label->heightForWidth(label->width()));
+    const QList<QPushButton*> shown = bar->findChildren<QPushButton*>();
+    QCOMPARE(shown.size(), 2);
+    QCOMPARE(shown.first()->text(), QStringLiteral("Act"));
+    shown.first()->click();
+    QCOMPARE(runs, 1);
+    QVERIFY(!bar->isVisible());
+}
+
+// A whole text replaced is one step; past the bound the oldest history goes, never the newest.
+void TstToolkit::wholeTextStepsAreBounded()
+{
+    toolkit::PlainPane pane;
+    pane.replace(0, 0, QStringLiteral("typed"));
+    for (int i = 0; i <= toolkit::PlainPane::kWholeSteps; ++i)
+        pane.replaceStore(toolkit::LineStore(QStringLiteral("text %1").arg(i)));
+    QStringList seen;
+    while (pane.canUndo()) {
+        pane.undo();
+        seen << pane.store().text();
+    }
+    // The step to "text 0", and the typing before it, are gone.
+    QStringList kept;
+    for (int i = toolkit::PlainPane::kWholeSteps - 1; i >= 0; --i)
+        kept << QStringLiteral("text %1").arg(i);
+    QCOMPARE(seen, kept);
+    pane.redo();
+    QCOMPARE(pane.store().text(), QStringLiteral("text 1"));
 }
 
 // Centred and right-set paragraphs stand across the pane's width when it paints.

@@ -12,6 +12,7 @@
 #include "WidthLayout.h"
 #include "globals.h"
 
+#include <QMenu>
 #include <QMenuBar>
 #include <QPointer>
 #include <QTest>
@@ -54,6 +55,8 @@ private slots:
     void compareFollowsThePanes_data();
     void compareFollowsThePanes();
     void menuBarTable();
+    void viewKeysDoWhatTheButtonsDo_data();
+    void viewKeysDoWhatTheButtonsDo();
     void helpItemsActOnlyInTheComparisonWindow();
     void editingItemsActOnTheFocusedPane();
     void tabOrder();
@@ -301,45 +304,81 @@ void TstDiffWin::menuBarTable()
 {
     DiffWin* w = openWindow();
     QVERIFY(w);
-    const QList<QAction*> bar = w->menuBar()->actions();
-    QCOMPARE(bar.size(), 3);
-    QCOMPARE(bar[0]->objectName(), QStringLiteral("FileQuit"));
-    QCOMPARE(bar[0]->text(), globals::kFileQuit());
-    QCOMPARE(bar[0]->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_Q));
-    QCOMPARE(bar[1]->text(), globals::kEditM());
-    QCOMPARE(bar[2]->text(), globals::kHelpM());
-
-    QStringList edit, help;
-    for (QAction* a : bar[1]->menu()->actions())
-        edit << (a->isSeparator() ? QStringLiteral("-") : a->objectName());
-    for (QAction* a : bar[2]->menu()->actions())
-        help << a->objectName();
-    QCOMPARE(edit,
-        (QStringList{"EditUndo", "EditRedo", "-", "EditCut", "EditCopy", "EditPaste", "EditClear",
-            "-", "EditSelectAll", "-"}));
-    QCOMPARE(help, (QStringList{"HelpAbout", "HelpHelp", "HelpLicense"}));
-
-    const struct
-    {
-        const char* name;
-        QKeySequence key;
-        QString text;
-    } shortcuts[] = {{"EditUndo", QKeySequence::Undo, globals::kEditUndo()},
-        {"EditRedo", QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z), globals::kEditRedo()},
-        {"EditCut", QKeySequence::Cut, globals::kEditCut()},
-        {"EditCopy", QKeySequence::Copy, globals::kEditCopy()},
-        {"EditPaste", QKeySequence::Paste, globals::kEditPaste()},
-        {"EditClear", QKeySequence(), globals::kEditClear()},
-        {"EditSelectAll", QKeySequence::SelectAll, globals::kEditSelectAll()}};
-    for (const auto& s : shortcuts) {
-        const toolkit::MenuItem* item = MenuBar1::instance().item(QString::fromLatin1(s.name));
-        QVERIFY(item);
-        QCOMPARE(item->action->text(), s.text);
-        if (s.key.isEmpty())
-            QVERIFY(item->action->shortcuts().isEmpty());
-        else
-            QVERIFY2(item->action->shortcuts().contains(s.key), s.name);
+    // Each menu's title, then its items' names; "-" for a separator, which shows no text (a
+    // separator with one is drawn as a heading).
+    QStringList shown;
+    for (QAction* menu : w->menuBar()->actions()) {
+        shown << menu->text() + ':';
+        for (QAction* a : menu->menu()->actions()) {
+            QVERIFY(!a->isSeparator() || a->text().isEmpty());
+            shown << (a->isSeparator() ? QStringLiteral("-") : a->objectName());
+        }
     }
+    QCOMPARE(shown,
+        (QStringList{globals::kFileM() + ':', "FileOpenLeft", "FileOpenRight", "FileReload", "-",
+            "FileQuit", globals::kEditM() + ':', "EditUndo", "EditRedo", "-", "EditCut", "EditCopy",
+            "EditPaste", "EditClear", "-", "EditSelectAll", "-", globals::kViewM() + ':', "ViewTop",
+            "ViewPrev", "ViewNext", "ViewBottom", globals::kHelpM() + ':', "HelpAbout", "HelpHelp",
+            "HelpLicense"}));
+    using K = QKeySequence;
+    const std::pair<const char*, K> keys[] = {{"FileOpenLeft", K(Qt::CTRL | Qt::Key_O)},
+        {"FileOpenRight", K(Qt::CTRL | Qt::SHIFT | Qt::Key_O)}, {"FileReload", K(Qt::Key_F5)},
+        {"FileReload", K(Qt::CTRL | Qt::Key_R)}, {"FileQuit", K(Qt::CTRL | Qt::Key_Q)},
+        {"EditUndo", K::Undo}, {"EditRedo", K(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)},
+        {"EditCut", K::Cut}, {"EditCopy", K::Copy}, {"EditPaste", K::Paste},
+        {"EditSelectAll", K::SelectAll}, {"ViewTop", K(Qt::ALT | Qt::Key_Home)},
+        {"ViewPrev", K(Qt::ALT | Qt::Key_Up)}, {"ViewNext", K(Qt::ALT | Qt::Key_Down)},
+        {"ViewBottom", K(Qt::ALT | Qt::Key_End)}};
+    for (const auto& [name, key] : keys)
+        QVERIFY2(MenuBar1::instance().item(name)->action->shortcuts().contains(key), name);
+}
+
+void TstDiffWin::viewKeysDoWhatTheButtonsDo_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::addColumn<QString>("button");
+    QTest::addColumn<int>("current"); // from the second of four differences
+    QTest::newRow("Alt+Home") << int(Qt::Key_Home) << "TopBtn" << 0;
+    QTest::newRow("Alt+Up") << int(Qt::Key_Up) << "PrevBtn" << 0;
+    QTest::newRow("Alt+Down") << int(Qt::Key_Down) << "NextBtn" << 2;
+    QTest::newRow("Alt+End") << int(Qt::Key_End) << "BtmBtn" << 3;
+}
+
+void TstDiffWin::viewKeysDoWhatTheButtonsDo()
+{
+    QFETCH(int, key);
+    QFETCH(QString, button);
+    QFETCH(int, current);
+    DiffWin* w = openWindow();
+    QVERIFY(w);
+    w->activateWindow();
+    QTRY_COMPARE(QApplication::activeWindow(), w);
+    QString left, right;
+    for (int i = 0; i < 200; ++i) {
+        left += QStringLiteral("line %1\n").arg(i);
+        right += QString::fromLatin1(i % 50 == 7 ? "changed %1\n" : "line %1\n").arg(i);
+    }
+    w->txtBox[0]->setText(left);
+    w->txtBox[1]->setText(right);
+    w->compare();
+    QTRY_VERIFY_WITH_TIMEOUT(w->resultIsCurrent(), 5000);
+    QCOMPARE(w->diffs.size(), size_t(4));
+    // From the second difference, scrolled a little: the button, then the key in the pane.
+    std::array<QList<int>, 2> after;
+    for (QList<int>& state : after) {
+        w->curDiffNum = 1;
+        w->curLine = int(w->topsA[1]);
+        w->txtBox[0]->setVerticalScrollPosition(30);
+        w->txtBox[1]->setVerticalScrollPosition(40);
+        if (&state == &after[0])
+            w->findChild<toolkit::BevelButton*>(button)->click();
+        else
+            QTest::keyClick(w->txtBox[0]->focusProxy(), Qt::Key(key), Qt::AltModifier);
+        state = {w->curDiffNum, w->curLine, w->txtBox[0]->VerticalScrollPosition(),
+            w->txtBox[1]->VerticalScrollPosition()};
+    }
+    QCOMPARE(after[0].first(), current);
+    QCOMPARE(after[1], after[0]);
 }
 
 void TstDiffWin::helpItemsActOnlyInTheComparisonWindow()

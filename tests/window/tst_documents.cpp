@@ -10,6 +10,7 @@
 #include "Timer.h"
 #include "globals.h"
 
+#include <QAbstractButton>
 #include <QDesktopServices>
 #include <QDir>
 #include <QFile>
@@ -23,6 +24,7 @@
 #include <QUrl>
 
 #include <algorithm>
+#include <cstdio>
 #include <sys/stat.h>
 
 namespace {
@@ -146,6 +148,9 @@ private slots:
     void dropsShareFilesOut();
     void draggedTextIsTheEditors();
     void openedDocumentsComeInBatches();
+    void aFileChangedOnDiskIsOfferedForReload_data();
+    void aFileChangedOnDiskIsOfferedForReload();
+    void theFileMenuReadsAsADrop();
 };
 
 void TstDocuments::cleanup()
@@ -160,45 +165,50 @@ void TstDocuments::readingByKind_data()
     QTest::addColumn<QString>("kind");
     QTest::addColumn<bool>("textRead");
     QTest::addColumn<bool>("titled");
+    QTest::addColumn<QString>("notice"); // the reason told, after the file's name
 
     QTest::newRow("text") << "a.txt"
-                          << "file" << true << true;
+                          << "file" << true << true << QString();
     QTest::newRow("double ending") << "a.pdf.txt"
-                                   << "file" << true << true;
+                                   << "file" << true << true << QString();
     QTest::newRow("ends in a dot") << "a."
-                                   << "file" << true << true;
+                                   << "file" << true << true << QString();
     QTest::newRow("no ending") << "README"
-                               << "file" << true << true;
+                               << "file" << true << true << QString();
     QTest::newRow("binary with NUL") << "b.bin"
-                                     << "binary" << true << true;
+                                     << "binary" << true << true << QString();
     QTest::newRow("empty") << "e.txt"
-                           << "empty" << true << true;
+                           << "empty" << true << true << QString();
     QTest::newRow("pdf") << "a.pdf"
-                         << "file" << false << false;
+                         << "file" << false << false << globals::kNoticeRefusedKind();
     QTest::newRow("PDF in capitals") << "a.PDF"
-                                     << "file" << false << false;
+                                     << "file" << false << false << globals::kNoticeRefusedKind();
     QTest::newRow("named zip") << "zip"
-                               << "file" << false << false;
+                               << "file" << false << false << globals::kNoticeRefusedKind();
     QTest::newRow("missing") << "gone.txt"
-                             << "missing" << false << false;
+                             << "missing" << false << false << globals::kNoticeMissing();
     QTest::newRow("folder") << "f.txt"
-                            << "folder" << false << false;
+                            << "folder" << false << false << globals::kNoticeFolder();
     QTest::newRow("link loop") << "loop.txt"
-                               << "loop" << false << false;
+                               << "loop" << false << false << globals::kNoticeMissing();
     QTest::newRow("link to a file") << "link.txt"
-                                    << "link" << true << true;
+                                    << "link" << true << true << QString();
     // Unreadable: the title changes, the text stays.
     QTest::newRow("FIFO") << "p.txt"
-                          << "fifo" << false << true;
+                          << "fifo" << false << true << globals::kNoticeSpecial();
     QTest::newRow("no permission") << "secret.txt"
-                                   << "locked" << false << true;
+                                   << "locked" << false << true << globals::kNoticePermission();
+    QTest::newRow("too large") << "huge.txt"
+                               << "sparse" << false << true << globals::kNoticeTooLarge();
+    QTest::newRow("device") << "/dev/null"
+                            << "system" << false << true << globals::kNoticeSpecial();
     // The name's bytes reach open() as they are and show escaped.
     QTest::newRow("name not UTF-8") << "a\xff.txt"
-                                    << "bytes" << true << true;
+                                    << "bytes" << true << true << QString();
     QTest::newRow("name with a line break") << "two\nlines.txt"
-                                            << "file" << true << true;
+                                            << "file" << true << true << QString();
     QTest::newRow("name with a direction override and NEL") << "a\u202Eb\u0085.txt"
-                                                            << "file" << true << true;
+                                                            << "file" << true << true << QString();
 }
 
 // Each kind of path: whether the pane takes its text and whether the title shows its name.
@@ -208,6 +218,7 @@ void TstDocuments::readingByKind()
     QFETCH(QString, kind);
     QFETCH(bool, textRead);
     QFETCH(bool, titled);
+    QFETCH(QString, notice);
     Files files;
     QByteArray bytes = "first\nsecond\n";
     QString path = kind == "system" ? name : files.path(name);
@@ -233,6 +244,11 @@ void TstDocuments::readingByKind()
         QFile::link(path, path);
     if (kind == "link")
         QFile::link(files.write("target.txt", bytes), path);
+    if (kind == "sparse") {
+        // Holes: no disk is spent, and the size is past what a pane can count.
+        QFile huge(files.write(name, {}));
+        QVERIFY(huge.resize(qint64(3) << 30));
+    }
     if (kind == "fifo")
         QVERIFY(::mkfifo(QFile::encodeName(path).constData(), 0600) == 0);
     if (kind == "locked") {
@@ -263,6 +279,9 @@ void TstDocuments::readingByKind()
     QCOMPARE(w->titleBox[0]->Caption(), titled ? title : globals::kBoxLeft());
     QCOMPARE(w->dirty, titled);
     QCOMPARE(w->txtBox[1]->Text(), other);
+    const QString told = w->noticeBar && w->noticeBar->isVisible() ? w->noticeBar->text() : "";
+    const QString shownName = toolkit::FolderItem(nativePath).DisplayName();
+    QCOMPARE(told, notice.isEmpty() ? notice : globals::kNoticeNotRead().arg(shownName, notice));
 }
 
 void TstDocuments::theTitleShowsTheFolders_data()
@@ -419,13 +438,35 @@ void TstDocuments::encodings()
     QCOMPARE(rows,
         QStringList({"UTF-8", "ShiftJIS", "Japanese MacOS", "Japanese EUC", "ShiftJIS-X0212"}));
 
+    // Under UTF-8 the bytes show U+FFFD; the bar offers the row that reads them all.
     load(w, files.write("sjis.txt", kShiftJis), 0);
-    QVERIFY(w->txtBox[0]->Text() != kJapanese);
-    w->txtBox[0]->setText(QStringLiteral("edited"));
-    w->TEBMenu[0]->setMenuValue(1);
+    QVERIFY(w->txtBox[0]->Text().contains(QChar::ReplacementCharacter));
+    QCOMPARE(w->noticeBar->text(), globals::kNoticeHint().arg("sjis.txt", "UTF-8", "ShiftJIS"));
+    // Another row picked in the pop-up: the offer is made anew for it, in place of the last.
+    w->TEBMenu[0]->setMenuValue(3);
     emit w->TEBMenu[0]->Action();
+    QCOMPARE(
+        w->noticeBar->text(), globals::kNoticeHint().arg("sjis.txt", "Japanese EUC", "ShiftJIS"));
+    auto* offer = w->noticeBar->findChild<QAbstractButton*>("encoding0");
+    QVERIFY(offer);
+    QCOMPARE(offer->text(), globals::kNoticeUseEncoding().arg("ShiftJIS"));
+    offer->click();
     QCOMPARE(w->txtBox[0]->Text(), kJapanese);
     QCOMPARE(w->TEBMenu[0]->Caption(), QStringLiteral("ShiftJIS"));
+    QCOMPARE(w->encodingMode[0], 1);
+    QVERIFY(!w->noticeBar->isVisible());
+    load(w, files.write("sjis-again.txt", kShiftJis), 0);
+    QVERIFY(!w->noticeBar->isVisible()); // read cleanly: nothing to offer
+    // Another row replaces the edits as one step of the pane's undo, which a comparison follows.
+    QTest::keyClicks(w->txtBox[0]->focusProxy(), "typed ");
+    w->TEBMenu[0]->setMenuValue(0);
+    emit w->TEBMenu[0]->Action();
+    w->dirty = false;
+    QTest::keyClick(w->txtBox[0]->focusProxy(), Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(w->txtBox[0]->Text(), "typed " + kJapanese);
+    QVERIFY(w->dirty);
+    w->TEBMenu[0]->setMenuValue(1);
+    emit w->TEBMenu[0]->Action();
 
     w->TEBMenu[1]->setMenuValue(3);
     emit w->TEBMenu[1]->Action();
@@ -511,6 +552,11 @@ void TstDocuments::clearAll()
     }
     QCOMPARE(w->titleBox[0]->Caption(), globals::kBoxLeft());
     QCOMPARE(w->titleBox[1]->Caption(), globals::kBoxRight());
+    // Undo brings a plain pane's text back; Redo empties it again.
+    QTest::keyClick(w->txtBox[0]->focusProxy(), Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(w->txtBox[0]->Text(), kJapanese);
+    QTest::keyClick(w->txtBox[0]->focusProxy(), Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    QCOMPARE(w->txtBox[0]->Text(), QString());
     // The bytes last read are kept: a row picked now shows them again.
     w->TEBMenu[0]->setMenuValue(1);
     emit w->TEBMenu[0]->Action();
@@ -634,13 +680,90 @@ void TstDocuments::openedDocumentsComeInBatches()
     QCOMPARE(w->titleBox[1]->Caption(), globals::kBoxRight());
     QCOMPARE(globals::fCount, 2);
     QCOMPARE(w->Timer3->Mode(), 1);
-    QVERIFY(!w->onlyFirst);
-    QCOMPARE(w->curDiffNum, 3);
+    // As after a drop of two files, the first difference of the new texts becomes current.
+    QVERIFY(w->onlyFirst);
+    emit w->Timer2->Action();
+    emit w->Timer1->Action();
+    QTRY_VERIFY_WITH_TIMEOUT(w->resultIsCurrent() && !w->onlyFirst, 5000);
+    QCOMPARE(w->curDiffNum, 0);
+    QCOMPARE(w->curLine, int(w->topsA.at(0)));
 
     emit w->Timer3->Action();
     app.openDocuments({paths[3].toUtf8()});
     QCOMPARE(w->titleBox[0]->Caption(), QStringLiteral("4.txt"));
     QCOMPARE(globals::fCount, 1);
+}
+
+void TstDocuments::aFileChangedOnDiskIsOfferedForReload_data()
+{
+    QTest::addColumn<bool>("byRename");
+    QTest::addColumn<bool>("edited");
+    QTest::newRow("written in place") << false << false;
+    QTest::newRow("replaced by a rename") << true << false;
+    QTest::newRow("edited pane") << false << true;
+}
+
+void TstDocuments::aFileChangedOnDiskIsOfferedForReload()
+{
+    QFETCH(bool, byRename);
+    QFETCH(bool, edited);
+    const bool wasEdited = edited;
+    Files files;
+    DiffWin* w = window();
+    const QString path = files.write("w.txt", "one\n");
+    load(w, path, 1);
+    if (edited)
+        w->txtBox[1]->setText(QStringLiteral("my edit"));
+    const auto change = [&](const QByteArray& bytes) {
+        if (!byRename)
+            return void(files.write("w.txt", bytes));
+        const QString fresh = files.write("w.new", bytes);
+        QCOMPARE(
+            std::rename(QFile::encodeName(fresh).constData(), QFile::encodeName(path).constData()),
+            0);
+    };
+    const auto offered = [w] {
+        return w->noticeBar && w->noticeBar->isVisible()
+            ? w->noticeBar->findChild<QAbstractButton*>("reload")
+            : nullptr;
+    };
+    // Twice: the watch holds after a reload and after a rename.
+    QString shown = w->txtBox[1]->Text();
+    for (const QByteArray& version : {QByteArray("second version\n"), QByteArray("third\n")}) {
+        change(version);
+        QTRY_VERIFY_WITH_TIMEOUT(offered(), 5000);
+        QCOMPARE(w->noticeBar->text(),
+            (edited ? globals::kNoticeChangedEdited() : globals::kNoticeChanged()).arg("w.txt"));
+        QCOMPARE(w->txtBox[1]->Text(), shown);
+        offered()->click();
+        shown = QString::fromUtf8(version);
+        QCOMPARE(w->txtBox[1]->Text(), shown);
+        edited = false;
+    }
+    // Each reload was a step of its own, back to the edits.
+    w->txtBox[1]->focusProxy()->setFocus();
+    QTest::keyClick(w->txtBox[1]->focusProxy(), Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(w->txtBox[1]->Text(), "second version\n");
+    QTest::keyClick(w->txtBox[1]->focusProxy(), Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(w->txtBox[1]->Text(), wasEdited ? QStringLiteral("my edit") : "one\n");
+}
+
+// The file chosen goes where a drop on that pane would put it; a cancel reads nothing.
+void TstDocuments::theFileMenuReadsAsADrop()
+{
+    Files files;
+    DiffWin* w = window();
+    const QByteArray path = QFile::encodeName(files.write("chosen.txt", "chosen\n"));
+    QList<int> asked;
+    w->askForFile = [&](int index) { return asked << index, asked.size() == 1 ? path : ""; };
+    const QString left = w->txtBox[0]->Text();
+    w->onlyFirst = false;
+    QVERIFY(w->handleMenu("FileOpenRight"));
+    QVERIFY(w->handleMenu("FileOpenLeft"));
+    QCOMPARE(asked, (QList<int>{1, 0}));
+    QCOMPARE(w->txtBox[1]->Text(), QStringLiteral("chosen\n"));
+    QCOMPARE(w->txtBox[0]->Text(), left);
+    QVERIFY(w->onlyFirst);
 }
 
 int main(int, char**)
