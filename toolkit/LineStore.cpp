@@ -62,8 +62,12 @@ public:
 private:
     void flush()
     {
-        if (block)
+        if (block) {
+            // Nine million lines leave tens of megabytes in the vectors' spare room.
+            block->starts.shrink_to_fit();
+            block->hashes.shrink_to_fit();
             out.push_back(std::move(block));
+        }
         block.reset();
     }
     const QString& buffer;

@@ -74,6 +74,14 @@ public:
         }
     }
 
+    // Calls f(std::u16string_view) on the text a block at a time. A block holds whole lines, so
+    // no surrogate pair is ever cut in two.
+    template <class F> void forEachPiece(F f) const
+    {
+        for (const auto& b : blocks)
+            f(std::u16string_view(b->data(), std::size_t(b->size)));
+    }
+
     // Replaces [from, to) by `with`. Only the lines the change reaches get new blocks and hashes.
     void replace(qsizetype from, qsizetype to, QStringView with);
 

@@ -6,6 +6,7 @@
 #include "DragItem.h"
 #include "FileTypes1.h"
 #include "FolderItem.h"
+#include "KeptBytes.h"
 #include "Keyboard.h"
 #include "Label.h"
 #include "NoticeBar.h"
@@ -203,10 +204,10 @@ void DiffWin::readPlain(const FolderItem& file, int index, TextArea* pane, Bevel
             documents::pathKind(file.NativeBytes().toStdString()) == documents::PathKind::File
                 ? globals::kNoticeUnreadable()
                 : globals::kNoticeNotAFile());
-    std::string text;
-    // Room for the whole file at once, rather than growing by doubling: half the memory on a
-    // large file. A file that reports no size grows as it is read.
-    text.reserve(std::size_t(std::min<std::uint64_t>(stream.sizeAtOpen(), text.max_size())));
+    // A pane that last held styled text reads the next file as UTF-8.
+    const int mode = TEBMenu[index]->isHidden() ? 0 : encodingMode[index];
+    PlainIntake intake(TE[std::size_t(mode)] == documents::TextEncoding::UTF8, stream.sizeAtOpen());
+    toolkit::PreparedText decoded;
     title->setCaption(kProgressCaption);
     title->repaint();
     ++panesLoading;
@@ -228,11 +229,14 @@ void DiffWin::readPlain(const FolderItem& file, int index, TextArea* pane, Bevel
         [&](std::stop_token stop) {
             std::array<char, 1024> chunk;
             while (!stream.atEnd()) {
-                text.append(chunk.data(), stream.read(chunk.data(), chunk.size()));
-                taken = text.size();
+                intake.take({chunk.data(), stream.read(chunk.data(), chunk.size())});
+                taken = intake.taken();
                 if (stop.stop_requested())
                     break;
             }
+            intake.finish();
+            if (intake.decoded())
+                decoded = TextArea::prepare(std::move(intake.text()));
         },
         showProgress);
     // Nor is the text of a read that quitting stopped worth showing.
@@ -245,7 +249,8 @@ void DiffWin::readPlain(const FolderItem& file, int index, TextArea* pane, Bevel
         notice(globals::kNoticeShrank().arg(file.DisplayName()));
     pane->setTextFont(QStringLiteral("System"));
     pane->setTextSize(0);
-    textClone[index] = std::move(text);
+    textClone[index]
+        = intake.decoded() ? KeptBytes(decoded.store()) : KeptBytes(std::move(intake.bytes()));
     if (TEBMenu[index]->isHidden())
         initTEMenu(index);
     setTxEnc(index);
@@ -269,12 +274,17 @@ void DiffWin::notice(const QString& line)
 
 void DiffWin::setTxEnc(int index)
 {
-    const std::string& bytes = textClone[index];
     const documents::TextEncoding encoding = TE[size_t(encodingMode[index])];
     toolkit::PreparedText prepared;
     // Off the window's thread, which then only hands the lines to the pane: a large text takes
     // seconds to decode and cut into lines.
     workAside([&](std::stop_token) {
+        const auto& kept = textClone[index].utf8Text();
+        if (kept && encoding == documents::TextEncoding::UTF8) {
+            prepared = toolkit::PreparedText(*kept);
+            return;
+        }
+        const std::string bytes = textClone[index].bytes();
         QString text(
             qsizetype(documents::maxDecodedLength(encoding, bytes.size())), Qt::Uninitialized);
         text.resize(qsizetype(
