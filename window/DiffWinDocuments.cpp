@@ -236,7 +236,7 @@ void DiffWin::readPlain(const FolderItem& file, int index, TextArea* pane, Bevel
             }
             intake.finish();
             if (intake.decoded())
-                decoded = TextArea::prepare(std::move(intake.text()));
+                decoded = toolkit::PreparedText(intake.lines());
         },
         showProgress);
     // Nor is the text of a read that quitting stopped worth showing.

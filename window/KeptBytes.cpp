@@ -4,6 +4,7 @@
 #include "Utf8.h"
 
 #include <algorithm>
+#include <utility>
 
 std::string KeptBytes::bytes() const
 {
@@ -11,30 +12,8 @@ std::string KeptBytes::bytes() const
         return raw;
     std::string out;
     out.reserve(std::size_t(text->size()));
-    text->forEachPiece([&out](std::u16string_view piece) { appendUtf8(out, piece); });
+    text->forEachPiece([&out](auto piece) { appendUtf8(out, piece); });
     return out;
-}
-
-std::size_t KeptBytes::size() const
-{
-    if (!text)
-        return raw.size();
-    std::size_t n = 0;
-    text->forEachPiece([&n](std::u16string_view piece) {
-        for (std::size_t i = 0; i < piece.size(); ++i) {
-            const char16_t c = piece[i];
-            if (c < 0x80)
-                n += 1;
-            else if (c < 0x800)
-                n += 2;
-            else if (QChar::isHighSurrogate(c) && i + 1 < piece.size()) {
-                n += 4;
-                ++i;
-            } else
-                n += 3;
-        }
-    });
-    return n;
 }
 
 void appendUtf8(std::string& out, std::u16string_view text)
@@ -62,6 +41,19 @@ void appendUtf8(std::string& out, std::u16string_view text)
     }
 }
 
+void appendUtf8(std::string& out, std::string_view latin1)
+{
+    for (const char byte : latin1) {
+        const auto c = static_cast<unsigned char>(byte);
+        if (c < 0x80) {
+            out.push_back(char(c));
+        } else {
+            out.push_back(char(0xC0 | (c >> 6)));
+            out.push_back(char(0x80 | (c & 0x3F)));
+        }
+    }
+}
+
 PlainIntake::PlainIntake(bool decodeUtf8, std::uint64_t expected)
     : decoding(decodeUtf8)
     , expected(expected)
@@ -70,7 +62,7 @@ PlainIntake::PlainIntake(bool decodeUtf8, std::uint64_t expected)
     // cost nothing.
     const auto room = qsizetype(std::min<std::uint64_t>(expected, std::uint64_t(1) << 40));
     if (decoding)
-        utf16.reserve(room);
+        latin1.reserve(room);
     else
         raw.reserve(std::size_t(room));
 }
@@ -94,14 +86,29 @@ void PlainIntake::take(std::string_view piece)
         keepBytes();
         return;
     }
-    const qsizetype at = utf16.size();
-    if (utf16.capacity() < at + qsizetype(good))
-        utf16.reserve(std::max(2 * utf16.capacity(), at + qsizetype(good)));
-    utf16.resize(at + qsizetype(good));
-    const std::size_t made = documents::decode(documents::TextEncoding::UTF8, bytes.substr(0, good),
-        reinterpret_cast<char16_t*>(utf16.data()) + at);
-    utf16.resize(at + qsizetype(made));
+    scratch.resize(good);
+    scratch.resize(
+        documents::decode(documents::TextEncoding::UTF8, bytes.substr(0, good), scratch.data()));
+    append(scratch);
     pending = std::string(bytes.substr(good));
+}
+
+void PlainIntake::append(std::u16string_view units)
+{
+    if (!wide && std::all_of(units.begin(), units.end(), [](char16_t c) { return c < 0x100; })) {
+        const qsizetype at = latin1.size();
+        latin1.resize(at + qsizetype(units.size()));
+        std::copy(units.begin(), units.end(), latin1.data() + at);
+        return;
+    }
+    if (!wide) {
+        // The first character above U+00FF: the text so far is widened, once.
+        wide = true;
+        utf16.reserve(std::max(qsizetype(expected), latin1.size() + qsizetype(units.size())));
+        utf16.append(QLatin1StringView(latin1));
+        latin1 = QByteArray();
+    }
+    utf16.append(reinterpret_cast<const QChar*>(units.data()), qsizetype(units.size()));
 }
 
 void PlainIntake::finish()
@@ -109,8 +116,13 @@ void PlainIntake::finish()
     // A sequence cut by the end, or by a stop, is ill-formed.
     if (decoding && !pending.empty())
         keepBytes();
-    if (decoding)
-        utf16.squeeze();
+}
+
+toolkit::LineStore PlainIntake::lines()
+{
+    if (wide)
+        return toolkit::LineStore(std::exchange(utf16, QString()));
+    return toolkit::LineStore::fromLatin1(std::exchange(latin1, QByteArray()));
 }
 
 // The text so far came from well-formed UTF-8, so its UTF-8 form is the bytes it came from.
@@ -118,9 +130,13 @@ void PlainIntake::keepBytes()
 {
     decoding = false;
     raw.reserve(std::size_t(std::max(count, expected)));
-    appendUtf8(
-        raw, {reinterpret_cast<const char16_t*>(utf16.constData()), std::size_t(utf16.size())});
+    if (wide)
+        appendUtf8(
+            raw, {reinterpret_cast<const char16_t*>(utf16.constData()), std::size_t(utf16.size())});
+    else
+        appendUtf8(raw, std::string_view(latin1.constData(), std::size_t(latin1.size())));
     utf16 = QString();
+    latin1 = QByteArray();
     raw += pending;
     pending.clear();
 }

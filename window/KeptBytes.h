@@ -26,7 +26,6 @@ public:
     {
     }
     std::string bytes() const;
-    std::size_t size() const;
     // The text itself, when it is what the bytes decode to as UTF-8.
     const std::optional<toolkit::LineStore>& utf8Text() const { return text; }
 
@@ -50,18 +49,24 @@ public:
     std::uint64_t taken() const { return count; }
     // After finish(): the text when every byte was decoded, else nothing and the bytes.
     bool decoded() const { return decoding; }
-    QString& text() { return utf16; }
+    // Takes the text away, one byte a character while none is above U+00FF.
+    toolkit::LineStore lines();
     std::string& bytes() { return raw; }
 
 private:
     void keepBytes();
+    void append(std::u16string_view units);
     bool decoding;
     std::uint64_t expected;
     std::uint64_t count = 0;
+    bool wide = false;
+    QByteArray latin1;
     QString utf16;
+    std::u16string scratch;
     std::string raw;
     std::string pending; // the start of a sequence that the next piece ends
 };
 
-// Appends the UTF-8 form of well-formed UTF-16.
+// Appends the UTF-8 form of well-formed UTF-16, or of Latin-1.
 void appendUtf8(std::string& out, std::u16string_view text);
+void appendUtf8(std::string& out, std::string_view latin1);

@@ -236,10 +236,14 @@ void TstToolkit::storeFollowsTheSplitRule_data()
     QTest::addColumn<int>("seed");
     QTest::addColumn<int>("length"); // of the first text
     QTest::addColumn<int>("pieceLength"); // most characters an edit takes away or puts in
-    QTest::newRow("short texts, small edits") << 1 << 40 << 4;
-    QTest::newRow("many blocks, small edits") << 2 << 120'000 << 6;
-    QTest::newRow("many blocks, large edits") << 3 << 90'000 << 40'000;
-    QTest::newRow("from empty") << 4 << 0 << 30;
+    QTest::addColumn<bool>("narrow"); // the first text held one byte a character
+    QTest::newRow("short texts, small edits") << 1 << 40 << 4 << false;
+    QTest::newRow("many blocks, small edits") << 2 << 120'000 << 6 << false;
+    QTest::newRow("many blocks, large edits") << 3 << 90'000 << 40'000 << false;
+    QTest::newRow("from empty") << 4 << 0 << 30 << false;
+    QTest::newRow("narrow, small edits") << 5 << 120'000 << 6 << true;
+    QTest::newRow("narrow, large edits") << 6 << 90'000 << 40'000 << true;
+    QTest::newRow("narrow, from empty") << 7 << 0 << 30 << true;
 }
 
 // After any edits the store's lines, hashes and positions are those of the text cut afresh.
@@ -248,6 +252,7 @@ void TstToolkit::storeFollowsTheSplitRule()
     QFETCH(int, seed);
     QFETCH(int, length);
     QFETCH(int, pieceLength);
+    QFETCH(bool, narrow);
     std::mt19937 random{unsigned(seed)};
     // Every line end and the characters that must stay inside a line.
     const std::u16string alphabet = u"ab\r\n\r\n\u2028\uFDD0\uFDD1\uFEFF";
@@ -259,7 +264,11 @@ void TstToolkit::storeFollowsTheSplitRule()
         return s;
     };
     QString text = piece(length);
-    toolkit::LineStore store(text);
+    if (narrow)
+        text.replace(
+            QRegularExpression(QStringLiteral("[^\\x{0}-\\x{ff}]")), QStringLiteral("\u00E9"));
+    toolkit::LineStore store
+        = narrow ? toolkit::LineStore::fromLatin1(text.toLatin1()) : toolkit::LineStore(text);
     // A copy taken now and then, as a snapshot is, must never change.
     toolkit::LineStore held = store;
     QString heldText = text;
@@ -284,6 +293,8 @@ void TstToolkit::storeFollowsTheSplitRule()
         for (std::size_t i = 0; i < expected.size(); i += 1 + expected.size() / 200) {
             const auto at = qsizetype(i);
             QVERIFY(store.line(at) == expected[i]);
+            QVERIFY(store.lineText(at)
+                == (SeqDiff::LineText{expected[i].data(), expected[i].size(), false}));
             QCOMPARE(store.lineHash(at), SeqDiff::lineHash(expected[i]));
             const qsizetype start
                 = expected[i].data() - reinterpret_cast<const char16_t*>(text.utf16());
