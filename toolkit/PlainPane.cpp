@@ -856,16 +856,35 @@ void PlainPane::change(qsizetype from, qsizetype to, QStringView with)
         forgetLayouts();
 }
 
+void PlainPane::moveSelection(qsizetype at)
+{
+    const qsizetype from = selectionStart();
+    const qsizetype to = selectionEnd();
+    if (readOnly || from == to || (at >= from && at <= to))
+        return;
+    const QString moved = text.text(from, to);
+    edit(from, to, QString(), false);
+    if (at > to)
+        at -= to - from;
+    edit(at, at, moved, false);
+    undos.back().withPrevious = true;
+    setSelection(at, at + moved.size());
+}
+
 void PlainPane::undo()
 {
     if (!canUndo())
         return;
-    Edit e = std::move(undos.back());
-    undos.pop_back();
-    change(e.at, e.at + e.inserted.size(), e.removed);
-    caret = e.caretBefore;
-    anchor = e.anchorBefore;
-    redos.push_back(std::move(e));
+    bool more = true;
+    while (more && !undos.empty()) {
+        Edit e = std::move(undos.back());
+        undos.pop_back();
+        change(e.at, e.at + e.inserted.size(), e.removed);
+        caret = e.caretBefore;
+        anchor = e.anchorBefore;
+        more = e.withPrevious;
+        redos.push_back(std::move(e));
+    }
     showChange();
 }
 
@@ -873,12 +892,14 @@ void PlainPane::redo()
 {
     if (!canRedo())
         return;
-    Edit e = std::move(redos.back());
-    redos.pop_back();
-    change(e.at, e.at + e.removed.size(), e.inserted);
-    caret = anchor = e.at + e.inserted.size();
-    e.typing = false;
-    undos.push_back(std::move(e));
+    do {
+        Edit e = std::move(redos.back());
+        redos.pop_back();
+        change(e.at, e.at + e.removed.size(), e.inserted);
+        caret = anchor = e.at + e.inserted.size();
+        e.typing = false;
+        undos.push_back(std::move(e));
+    } while (!redos.empty() && redos.back().withPrevious);
     showChange();
 }
 
@@ -1116,19 +1137,16 @@ void PlainPane::dropEvent(QDropEvent* e)
     dropCaret = -1;
     if (readOnly || !e->mimeData()->hasText())
         return e->ignore();
-    qsizetype at = positionAt(e->position());
+    const qsizetype at = positionAt(e->position());
     const QString dropped = e->mimeData()->text();
     if (e->source() == this && e->dropAction() == Qt::MoveAction) {
-        const qsizetype from = selectionStart();
-        const qsizetype to = selectionEnd();
-        if (at >= from && at <= to)
+        if (at >= selectionStart() && at <= selectionEnd())
             return e->ignore();
-        edit(from, to, QString(), false);
-        if (at > to)
-            at -= to - from;
+        moveSelection(at);
+    } else {
+        edit(at, at, dropped, false);
+        setSelection(at, at + dropped.size());
     }
-    edit(at, at, dropped, false);
-    setSelection(at, at + dropped.size());
     e->acceptProposedAction();
     setFocus();
 }

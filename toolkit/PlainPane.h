@@ -47,6 +47,8 @@ public:
     // Edits as the user makes them: they can be undone.
     void replaceSelection(const QString& with);
     void replace(qsizetype from, qsizetype to, const QString& with);
+    // Moves the selected text to `at`, as a drag within the pane does: one step to undo.
+    void moveSelection(qsizetype at);
     bool canUndo() const { return !undos.empty() && !readOnly; }
     bool canRedo() const { return !redos.empty() && !readOnly; }
     bool canPaste() const;
@@ -118,6 +120,7 @@ private:
         QString inserted;
         qsizetype caretBefore, anchorBefore;
         bool typing;
+        bool withPrevious = false; // undone and redone together with the edit before it
     };
 
     LineStore text;

@@ -4,6 +4,7 @@
 #include "LineStore.h"
 #include "Lines.h"
 #include "MenuBar.h"
+#include "PlainPane.h"
 #include "TextArea.h"
 #include "Timer.h"
 
@@ -84,6 +85,8 @@ private slots:
     void storeFollowsTheSplitRule();
     void editingByKeys_data();
     void editingByKeys();
+    void movingTextIsOneStep_data();
+    void movingTextIsOneStep();
     void mouseSelects();
     void inputMethodComposesInPlace();
     void screenReaderReadsAndEdits();
@@ -381,6 +384,44 @@ void TstToolkit::editingByKeys()
     QCOMPARE((QList{pane.SelectionStart(), pane.SelectionLength()}), selection);
     QCOMPARE(pane.snapshot()->lineCount(),
         std::size_t(after.split(QRegularExpression("\r\n|\r|\n")).size()));
+}
+
+void TstToolkit::movingTextIsOneStep_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QList<int>>("selection"); // start, length
+    QTest::addColumn<int>("at");
+    QTest::addColumn<QString>("after");
+    QTest::newRow("forward") << "ab cd ef" << QList{0, 3} << 6 << "cd ab ef";
+    QTest::newRow("back, across lines") << "one\ntwo" << QList{4, 3} << 0 << "twoone\n";
+    QTest::newRow("onto itself") << "abc" << QList{0, 2} << 1 << "abc";
+}
+
+// Text dragged to another place in its pane comes back with one undo, and goes again with one
+// redo.
+void TstToolkit::movingTextIsOneStep()
+{
+    QFETCH(QString, text);
+    QFETCH(QList<int>, selection);
+    QFETCH(int, at);
+    QFETCH(QString, after);
+    toolkit::TextArea pane;
+    QVERIFY(showText(pane, text));
+    auto* editor = qobject_cast<toolkit::PlainPane*>(pane.focusProxy());
+    QVERIFY(editor);
+    pane.select(selection[0], selection[1]);
+    editor->moveSelection(at);
+    QCOMPARE(pane.Text(), after);
+    if (after == text) {
+        QVERIFY(!editor->canUndo());
+        return;
+    }
+    QTest::keyClick(editor, Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(pane.Text(), text);
+    QVERIFY(!editor->canUndo());
+    QTest::keyClick(editor, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    QCOMPARE(pane.Text(), after);
+    QVERIFY(!editor->canRedo());
 }
 
 // A double click takes a word, a shift click stretches the selection, a drag selects.
