@@ -301,14 +301,13 @@ void PlainPane::forgetLayouts()
 qreal PlainPane::advance(std::u16string_view piece) const
 {
     qreal sum = 0;
-    for (char16_t c : piece) {
-        if (c < 256) {
-            sum += narrow[c];
+    for (std::size_t i = 0; i < piece.size(); ++i) {
+        if (piece[i] < 256) {
+            sum += narrow[piece[i]];
             continue;
         }
         // Rare in the long lines this serves; the font's metrics keep their own cache.
-        return sum
-            + QFontMetricsF(font()).horizontalAdvance(viewOf(piece.substr(&c - piece.data())));
+        return sum + QFontMetricsF(font()).horizontalAdvance(viewOf(piece.substr(i)));
     }
     return sum;
 }
@@ -543,23 +542,41 @@ void PlainPane::paintEvent(QPaintEvent*)
             p.fillRect(selected, pal.color(group, QPalette::Highlight));
         }
         const Layout& l = layoutOf(line);
-        const auto drawPieces = [&](const QColor& colour) {
+        // Composed text on a line too long to lay out again opens a gap at the caret: the rest
+        // of the line moves over by its width.
+        const QFontMetricsF fm(font());
+        const qreal caretX = withPreedit ? left + xOf(line, caret - start) : 0;
+        const qreal gap = withPreedit ? fm.horizontalAdvance(preedit) : 0;
+        const auto drawPieces = [&](const QColor& colour, qreal shift) {
             p.setPen(colour);
-            auto k = std::size_t(std::upper_bound(l.xs.begin(), l.xs.end(), -left) - l.xs.begin());
+            auto k = std::size_t(
+                std::upper_bound(l.xs.begin(), l.xs.end(), -left - shift) - l.xs.begin());
             k = k > 0 ? k - 1 : 0;
-            for (; k + 1 < l.starts.size() && left + l.xs[k] < width; ++k) {
+            for (; k + 1 < l.starts.size() && left + shift + l.xs[k] < width; ++k) {
                 if (s[std::size_t(l.starts[k])] == u'\t')
                     continue;
-                p.drawText(QPointF(left + l.xs[k], base),
+                p.drawText(QPointF(left + shift + l.xs[k], base),
                     viewOf(s.substr(
                         std::size_t(l.starts[k]), std::size_t(l.starts[k + 1] - l.starts[k]))));
             }
         };
-        drawPieces(pal.color(group, QPalette::Text));
+        const auto drawLine = [&](const QColor& colour) {
+            if (!withPreedit)
+                return drawPieces(colour, 0);
+            p.save();
+            p.setClipRect(QRectF(0, top, caretX, metricsHeight), Qt::IntersectClip);
+            drawPieces(colour, 0);
+            p.restore();
+            p.save();
+            p.setClipRect(QRectF(caretX + gap, top, width, metricsHeight), Qt::IntersectClip);
+            drawPieces(colour, gap);
+            p.restore();
+        };
+        drawLine(pal.color(group, QPalette::Text));
         if (!selected.isEmpty()) {
             p.save();
             p.setClipRect(selected);
-            drawPieces(pal.color(group, QPalette::HighlightedText));
+            drawLine(pal.color(group, QPalette::HighlightedText));
             p.restore();
         }
         const auto bar = [&](qsizetype at) {
@@ -568,15 +585,13 @@ void PlainPane::paintEvent(QPaintEvent*)
                     pal.color(group, QPalette::Text));
         };
         if (withPreedit) {
-            // A very long line is not laid out again for it: the composed text stands over
-            // the line at the caret.
-            const QFontMetricsF fm(font());
-            const QRectF box(
-                left + xOf(line, caret - start), top, fm.horizontalAdvance(preedit), metricsHeight);
-            p.fillRect(box, pal.color(group, QPalette::Base));
             p.setPen(pal.color(group, QPalette::Text));
-            p.drawText(QPointF(box.left(), base), preedit);
-            p.drawLine(QPointF(box.left(), base + 2), QPointF(box.right(), base + 2));
+            p.drawText(QPointF(caretX, base), preedit);
+            p.drawLine(QPointF(caretX, base + 2), QPointF(caretX + gap, base + 2));
+            if (hasFocus())
+                p.fillRect(QRectF(caretX + fm.horizontalAdvance(preedit.left(preeditCaret)), top, 1,
+                               metricsHeight),
+                    pal.color(group, QPalette::Text));
         } else if (hasFocus() && caretShown && !readOnly) {
             bar(caret);
         }

@@ -88,6 +88,7 @@ private slots:
     void movingTextIsOneStep_data();
     void movingTextIsOneStep();
     void mouseSelects();
+    void inputMethodComposesInPlace_data();
     void inputMethodComposesInPlace();
     void screenReaderReadsAndEdits();
     void scrollPositionCountsLinesAndStops();
@@ -449,29 +450,49 @@ void TstToolkit::mouseSelects()
 }
 
 // Text being composed shows in the pane but is not yet in it; the committed text is.
+void TstToolkit::inputMethodComposesInPlace_data()
+{
+    QTest::addColumn<QString>("tail"); // of the line, after the caret
+    QTest::newRow("short line") << QStringLiteral("b");
+    QTest::newRow("line too long to lay out again") << QStringLiteral("bcd") + QString(5000, u'x');
+}
+
 void TstToolkit::inputMethodComposesInPlace()
 {
+    QFETCH(QString, tail);
+    const QString text = QStringLiteral("a") + tail;
+    const QString composed = QString::fromUtf16(u"\u306B\u307B");
     toolkit::TextArea pane;
-    QVERIFY(showText(pane, QStringLiteral("ab")));
+    QVERIFY(showText(pane, text));
     pane.select(1, 0);
     QWidget* editor = pane.focusProxy();
     const QImage before = pane.grab().toImage();
-    QInputMethodEvent composing(QString::fromUtf16(u"\u306B\u307B"), {});
+    QInputMethodEvent composing(composed, {});
     QApplication::sendEvent(editor, &composing);
-    QCOMPARE(pane.Text(), QStringLiteral("ab"));
+    QCOMPARE(pane.Text(), text);
     QVERIFY(pane.grab().toImage() != before);
-    QCOMPARE(editor->inputMethodQuery(Qt::ImSurroundingText).toString(), QStringLiteral("ab"));
+    // A long line is handed over in part.
+    const QString around = editor->inputMethodQuery(Qt::ImSurroundingText).toString();
+    QVERIFY(around.size() >= 2 && text.startsWith(around));
     QCOMPARE(editor->inputMethodQuery(Qt::ImCursorPosition).toInt(), 1);
+    // What follows the composed text stands where it will once the text is in.
+    toolkit::TextArea typed;
+    QVERIFY(showText(typed, QStringLiteral("a") + composed + tail));
+    const QFontMetrics fm(pane.font());
+    const int after = 4 + fm.horizontalAdvance(QStringLiteral("a") + composed) + 2;
+    const QRect rest(after, 0, pane.viewport()->width() - after, pane.LineHeight());
+    QCOMPARE(pane.viewport()->grab(rest).toImage(), typed.viewport()->grab(rest).toImage());
+
     QInputMethodEvent done;
     done.setCommitString(QString::fromUtf16(u"\u65E5\u672C"));
     QApplication::sendEvent(editor, &done);
-    QCOMPARE(pane.Text(), QString::fromUtf16(u"a\u65E5\u672Cb"));
+    QCOMPARE(pane.Text(), QString::fromUtf16(u"a\u65E5\u672C") + tail);
     QCOMPARE(pane.SelectionStart(), 3);
 
     pane.setReadOnly(true);
     QApplication::sendEvent(editor, &done);
     QTest::keyClick(editor, Qt::Key_X);
-    QCOMPARE(pane.Text(), QString::fromUtf16(u"a\u65E5\u672Cb"));
+    QCOMPARE(pane.Text(), QString::fromUtf16(u"a\u65E5\u672C") + tail);
 }
 
 void TstToolkit::screenReaderReadsAndEdits()
