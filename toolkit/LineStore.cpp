@@ -76,6 +76,7 @@ public:
         }
         block->starts.push_back(std::uint32_t(start - block->from));
         block->size = end - block->from;
+        block->longest = std::max(block->longest, std::uint32_t(end - start));
         block->hashes.push_back(keptHash ? *keptHash : block->hashOf(block->lineCount() - 1));
         if (block->size >= kBlockSize)
             flush();
@@ -249,6 +250,21 @@ qsizetype LineStore::lineEnd(qsizetype i) const
     return firstChar[p.block] + qsizetype(blocks[p.block]->textEnd(p.line));
 }
 
+qsizetype LineStore::longestLine() const
+{
+    std::size_t best = 0;
+    for (std::size_t b = 1; b < blocks.size(); ++b)
+        if (blocks[b]->longest > blocks[best]->longest)
+            best = b;
+    // A block's figure may be above its lines' since an edit in place shortened one.
+    const LineBlock& block = *blocks[best];
+    std::size_t line = 0;
+    for (std::size_t k = 1; k < block.lineCount(); ++k)
+        if (block.lineEnd(k) - block.starts[k] > block.lineEnd(line) - block.starts[line])
+            line = k;
+    return firstLine[best] + qsizetype(line);
+}
+
 qsizetype LineStore::lineAt(qsizetype position) const
 {
     position = std::clamp<qsizetype>(position, 0, size());
@@ -374,6 +390,7 @@ bool LineStore::replaceInPlace(qsizetype from, qsizetype to, QStringView with)
     b->size += delta;
     for (std::size_t k = p.line + 1; k < b->lineCount(); ++k)
         b->starts[k] = std::uint32_t(qsizetype(b->starts[k]) + delta);
+    b->longest = std::max(b->longest, std::uint32_t(b->lineEnd(p.line) - b->starts[p.line]));
     if (b->unhashed != p.line && b->unhashed < b->lineCount())
         b->hashes[b->unhashed] = SeqDiff::lineHash(b->line(b->unhashed));
     b->unhashed = p.line;

@@ -25,6 +25,7 @@ struct LineBlock
     qsizetype size = 0;
     std::vector<std::uint32_t> starts; // of each line, counted from `from`
     std::vector<std::uint64_t> hashes;
+    std::uint32_t longest = 0; // units of its longest line, break included
     // A line edited in place since its hash was taken: its hash is taken when asked for, by
     // whoever reads it, so that typing in a very long line does not hash it on every key.
     std::size_t unhashed = std::size_t(-1);
@@ -78,6 +79,9 @@ public:
     SeqDiff::LineText lineText(qsizetype i) const;
     qsizetype lineStart(qsizetype i) const; // size() for i == lineCount()
     qsizetype lineEnd(qsizetype i) const; // where its break begins
+    // A line with the most characters, or nearly: after edits within a line it may be one a
+    // little shorter. Costs a look at each block.
+    qsizetype longestLine() const;
     // The line that holds `position`; a position on a break belongs to the line the break ends.
     qsizetype lineAt(qsizetype position) const;
     char16_t at(qsizetype position) const;

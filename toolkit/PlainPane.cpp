@@ -219,6 +219,9 @@ void PlainPane::setStore(LineStore store)
     redos.clear();
     widestLaidOut = 0;
     forgetLayouts();
+    // The horizontal range grows as wider lines come into view; starting from the line with
+    // the most characters, it seldom has to.
+    layoutOf(text.longestLine());
     verticalScrollBar()->setValue(0);
     horizontalScrollBar()->setValue(0);
     updateBars();
@@ -285,6 +288,7 @@ void PlainPane::changeEvent(QEvent* e)
         tabStop = 8 * fm.horizontalAdvance(QLatin1Char(' '));
         widestLaidOut = 0;
         forgetLayouts();
+        layoutOf(text.longestLine());
         updateBars();
         viewport()->update();
         emit viewMoved();

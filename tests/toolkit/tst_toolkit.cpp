@@ -536,6 +536,18 @@ void TstToolkit::scrollPositionCountsLinesAndStops()
     const int bottom = pane.TextTop() + pane.TextHeight();
     QVERIFY(pane.lineRect(499).bottom() < bottom);
     QVERIFY(pane.lineRect(499).bottom() + pane.LineHeight() >= bottom);
+
+    // The horizontal range is that of the widest line before it comes into view, and stays.
+    QStringList lines(500, QStringLiteral("short"));
+    lines[300] = QString(400, u'w');
+    pane.setText(lines.join(u'\n'));
+    const QScrollBar* across
+        = qobject_cast<QAbstractScrollArea*>(pane.focusProxy())->horizontalScrollBar();
+    const int range = across->maximum();
+    QVERIFY(range > QFontMetrics(pane.font()).horizontalAdvance(QString(300, u'w')));
+    pane.setVerticalScrollPosition(295);
+    QApplication::processEvents();
+    QCOMPARE(across->maximum(), range);
 }
 
 void TstToolkit::characterPositionsShareOneScale()
