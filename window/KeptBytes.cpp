@@ -43,14 +43,17 @@ void appendUtf8(std::string& out, std::u16string_view text)
 
 void appendUtf8(std::string& out, std::string_view latin1)
 {
-    for (const char byte : latin1) {
-        const auto c = static_cast<unsigned char>(byte);
-        if (c < 0x80) {
-            out.push_back(char(c));
-        } else {
-            out.push_back(char(0xC0 | (c >> 6)));
-            out.push_back(char(0x80 | (c & 0x3F)));
-        }
+    const auto high = [](char c) { return static_cast<unsigned char>(c) >= 0x80; };
+    for (auto at = latin1.begin(); at != latin1.end();) {
+        // ASCII, most of any text held this way, goes over as it is.
+        const auto run = std::find_if(at, latin1.end(), high);
+        out.append(at, run);
+        if (run == latin1.end())
+            break;
+        const auto c = static_cast<unsigned char>(*run);
+        out.push_back(char(0xC0 | (c >> 6)));
+        out.push_back(char(0x80 | (c & 0x3F)));
+        at = run + 1;
     }
 }
 
