@@ -11,6 +11,7 @@
 #include "Label.h"
 #include "NoticeBar.h"
 #include "PlainFile.h"
+#include "PlainIntake.h"
 #include "Rectangle.h"
 #include "RtfReader.h"
 #include "Style.h"

@@ -5,6 +5,7 @@
 #include "KeptBytes.h"
 #include "Label.h"
 #include "NoticeBar.h"
+#include "PlainIntake.h"
 #include "Rectangle.h"
 #include "Style.h"
 #include "TextArea.h"
