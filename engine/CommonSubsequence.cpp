@@ -61,10 +61,13 @@ Reduced reduce(std::span<const LineId> a, std::span<const LineId> b, StopCheck& 
         r.b.push_back(c);
         r.fromB.push_back(static_cast<Index>(j));
     }
-    // Sized to the lines that stay: against a short text, most of a long one goes.
-    std::size_t kept = 0;
-    for (LineId id : a)
-        kept += compact[id] != kNone;
+    // Against a much shorter text, most of a long one goes: sized to the lines that stay.
+    std::size_t kept = a.size();
+    if (b.size() < a.size() / 2) {
+        kept = 0;
+        for (LineId id : a)
+            kept += compact[id] != kNone;
+    }
     r.a.reserve(kept + 1);
     r.fromA.reserve(kept);
     for (std::size_t i = 0; i < a.size(); ++i) {

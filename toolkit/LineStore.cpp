@@ -101,23 +101,30 @@ private:
 
 } // namespace
 
-const char16_t* LineBlock::data() const
+const char16_t* LineBlock::widened() const
 {
-    if (!narrow)
-        return reinterpret_cast<const char16_t*>(buffer.constData()) + from;
     std::call_once(widening, [this] { wide = QString::fromLatin1(narrowData(), size); });
     return reinterpret_cast<const char16_t*>(wide.constData());
 }
 
-std::size_t LineBlock::textEnd(std::size_t k) const
+namespace {
+
+// Where the line [start, end) of d ends without its break.
+template <class C> std::size_t withoutBreak(const C* d, std::size_t start, std::size_t end)
 {
-    std::size_t end = lineEnd(k);
-    const std::size_t start = starts[k];
-    if (end > start && unit(end - 1) == u'\n')
+    if (end > start && d[end - 1] == '\n')
         --end;
-    if (end > start && unit(end - 1) == u'\r')
+    if (end > start && d[end - 1] == '\r')
         --end;
     return end;
+}
+
+} // namespace
+
+std::size_t LineBlock::textEnd(std::size_t k) const
+{
+    return narrow ? withoutBreak(narrowData(), starts[k], lineEnd(k))
+                  : withoutBreak(data(), starts[k], lineEnd(k));
 }
 
 std::u16string_view LineBlock::line(std::size_t k) const

@@ -32,7 +32,10 @@ struct LineBlock
 
     // The block's UTF-16 units; a narrow block is widened the first time it is asked, for the
     // few blocks a pane shows.
-    const char16_t* data() const;
+    const char16_t* data() const
+    {
+        return narrow ? widened() : reinterpret_cast<const char16_t*>(buffer.constData()) + from;
+    }
     const char* narrowData() const { return latin1.constData() + from; }
     char16_t unit(std::size_t i) const
     {
@@ -49,6 +52,7 @@ struct LineBlock
     std::uint64_t hashOf(std::size_t k) const;
 
 private:
+    const char16_t* widened() const;
     mutable std::once_flag widening;
     mutable QString wide;
 };
