@@ -17,6 +17,7 @@
 #include "Style.h"
 #include "TextArea.h"
 #include "Timer.h"
+#include "Utf8.h"
 #include "globals.h"
 
 #include <QFile>
@@ -279,19 +280,36 @@ void DiffWin::setTxEnc(int index)
     toolkit::PreparedText prepared;
     // Off the window's thread, which then only hands the lines to the pane: a large text takes
     // seconds to decode and cut into lines.
+    bool wellFormedUtf8 = false;
     workAside([&](std::stop_token) {
-        const auto& kept = textClone[index].utf8Text();
-        if (kept && encoding == documents::TextEncoding::UTF8) {
-            prepared = toolkit::PreparedText(*kept);
+        const KeptBytes& kept = textClone[index];
+        const bool utf8 = encoding == documents::TextEncoding::UTF8;
+        if (kept.utf8Text() && utf8) {
+            prepared = toolkit::PreparedText(*kept.utf8Text());
             return;
         }
-        const std::string bytes = textClone[index].bytes();
-        QString text(
-            qsizetype(documents::maxDecodedLength(encoding, bytes.size())), Qt::Uninitialized);
-        text.resize(qsizetype(
-            documents::decode(encoding, bytes, reinterpret_cast<char16_t*>(text.data()))));
-        prepared = TextArea::prepare(std::move(text));
+        kept.withBytes([&](std::string_view bytes) {
+            // Taken as a file read under UTF-8 is: one byte a character where it can be, and
+            // the bytes then given back by the text.
+            wellFormedUtf8 = utf8 && validUtf8Prefix(bytes) == bytes.size();
+            if (wellFormedUtf8) {
+                PlainIntake intake(true, bytes.size());
+                constexpr std::size_t kPiece = 1 << 16;
+                for (std::size_t at = 0; at < bytes.size(); at += kPiece)
+                    intake.take(bytes.substr(at, kPiece));
+                intake.finish();
+                prepared = toolkit::PreparedText(intake.lines());
+                return;
+            }
+            QString text(
+                qsizetype(documents::maxDecodedLength(encoding, bytes.size())), Qt::Uninitialized);
+            text.resize(qsizetype(
+                documents::decode(encoding, bytes, reinterpret_cast<char16_t*>(text.data()))));
+            prepared = TextArea::prepare(std::move(text));
+        });
     });
+    if (wellFormedUtf8)
+        textClone[index] = KeptBytes(prepared.store());
     txtBox[index]->setText(prepared);
     txtBox[index]->setTextFont(QStringLiteral("System"));
     SameFilm->setVisible(txtBox[0]->hasSameText(*txtBox[1]));

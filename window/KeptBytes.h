@@ -26,6 +26,14 @@ public:
     {
     }
     std::string bytes() const;
+    // Calls f(std::string_view) with the bytes, without a copy when they are held as such.
+    template <class F> void withBytes(F f) const
+    {
+        if (text)
+            f(std::string_view(bytes()));
+        else
+            f(std::string_view(raw));
+    }
     // The text itself, when it is what the bytes decode to as UTF-8.
     const std::optional<toolkit::LineStore>& utf8Text() const { return text; }
 

@@ -395,10 +395,16 @@ void TstDocuments::encodings()
     // The choice stays for the next file of that pane.
     load(w, files.write("sjis2.txt", kShiftJis), 0);
     QCOMPARE(w->txtBox[0]->Text(), kJapanese);
-
-    // A file read as UTF-8 is read again from its own bytes, whatever was typed since.
+    // Well-formed UTF-8 read under another row, then read as UTF-8, keeps no second copy.
+    load(w, files.write("utf8-first.txt", kJapanese.toUtf8()), 0);
+    QVERIFY(!w->textClone[0].utf8Text());
     w->TEBMenu[0]->setMenuValue(0);
     emit w->TEBMenu[0]->Action();
+    QCOMPARE(w->txtBox[0]->Text(), kJapanese);
+    QVERIFY(w->textClone[0].utf8Text());
+    QCOMPARE(w->textClone[0].bytes(), kJapanese.toUtf8().toStdString());
+
+    // A file read as UTF-8 is read again from its own bytes, whatever was typed since.
     load(w, files.write("utf8.txt", kJapanese.toUtf8()), 0);
     w->txtBox[0]->setText(QStringLiteral("edited"));
     for (const int row : {1, 0}) {
