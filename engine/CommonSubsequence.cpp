@@ -46,8 +46,6 @@ Reduced reduce(std::span<const LineId> a, std::span<const LineId> b, StopCheck& 
     std::vector<Index> compact(std::size_t(top) + 1, kNone);
 
     Reduced r;
-    r.a.reserve(a.size() + 1);
-    r.fromA.reserve(a.size());
     r.b.reserve(b.size() + 1);
     r.fromB.reserve(b.size());
     for (std::size_t j = 0; j < b.size(); ++j) {
@@ -63,6 +61,15 @@ Reduced reduce(std::span<const LineId> a, std::span<const LineId> b, StopCheck& 
         r.b.push_back(c);
         r.fromB.push_back(static_cast<Index>(j));
     }
+    // Against a much shorter text, most of a long one goes: sized to the lines that stay.
+    std::size_t kept = a.size();
+    if (b.size() < a.size() / 2) {
+        kept = 0;
+        for (LineId id : a)
+            kept += compact[id] != kNone;
+    }
+    r.a.reserve(kept + 1);
+    r.fromA.reserve(kept);
     for (std::size_t i = 0; i < a.size(); ++i) {
         stop();
         const Index c = compact[a[i]];

@@ -26,25 +26,38 @@ std::vector<std::int64_t> Diff::getLongestCommonSubsequences()
 {
     std::int64_t aStart = 0, aEnd = std::int64_t(a.size()) - 1;
     std::int64_t bStart = 0, bEnd = std::int64_t(b.size()) - 1;
-    std::vector<std::int64_t> matches(a.size(), -1);
     while (aStart <= aEnd && bStart <= bEnd && a[std::size_t(aStart)] == b[std::size_t(bStart)]) {
         stop();
-        matches[std::size_t(aStart++)] = bStart++;
+        ++aStart;
+        ++bStart;
     }
+    const std::int64_t lastA = aEnd;
     while (aStart <= aEnd && bStart <= bEnd && a[std::size_t(aEnd)] == b[std::size_t(bEnd)]) {
         stop();
-        matches[std::size_t(aEnd--)] = bEnd--;
+        --aEnd;
+        --bEnd;
     }
 
     const auto midA = std::span(a).subspan(std::size_t(aStart), std::size_t(aEnd - aStart + 1));
     const auto midB = std::span(b).subspan(std::size_t(bStart), std::size_t(bEnd - bStart + 1));
     CommonSubsequence middle(midA, midB);
     middle.setStopToken(stop.stopToken());
-    const std::vector<std::int64_t> found
-        = limits ? middle.find(method, *limits) : middle.find(method);
-    for (std::size_t i = 0; i < found.size(); ++i)
-        if (found[i] >= 0)
-            matches[std::size_t(aStart) + i] = bStart + found[i];
+    std::vector<std::int64_t> found = limits ? middle.find(method, *limits) : middle.find(method);
+    std::vector<std::int64_t> matches;
+    if (aStart == 0 && aEnd == lastA) {
+        // Nothing shared at either end: the middle's answer is the whole one, and a text of
+        // millions of lines is not given a second table of them.
+        matches = std::move(found);
+    } else {
+        matches.assign(a.size(), -1);
+        for (std::int64_t i = 0; i < aStart; ++i)
+            matches[std::size_t(i)] = i;
+        for (std::size_t i = 0; i < found.size(); ++i)
+            if (found[i] >= 0)
+                matches[std::size_t(aStart) + i] = bStart + found[i];
+        for (std::int64_t i = aEnd + 1; i <= lastA; ++i)
+            matches[std::size_t(i)] = bEnd + (i - aEnd);
+    }
 
     // Lines of a behind the last match have no entry.
     while (!matches.empty() && matches.back() < 0)

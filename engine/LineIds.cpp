@@ -240,7 +240,7 @@ private:
             }
             if (slot.tag == tag) {
                 const Place p = first[slot.idPlusOne - 1];
-                if (sources[p.side]->line(p.index) == sources[side]->line(index))
+                if (sources[p.side]->lineText(p.index) == sources[side]->lineText(index))
                     return slot.idPlusOne - 1;
             }
         }

@@ -54,7 +54,7 @@ std::vector<Difference> FindDifferences(
     // between them is numbered and handed on, and its records are moved back into place.
     const std::size_t n = a.lineCount(), m = b.lineCount();
     const auto same = [&](std::size_t i, std::size_t j) {
-        return a.lineHash(i) == b.lineHash(j) && a.line(i) == b.line(j);
+        return a.lineHash(i) == b.lineHash(j) && a.lineText(i) == b.lineText(j);
     };
     std::size_t head = 0;
     while (head < n && head < m && same(head, head)) {

@@ -15,8 +15,8 @@ constexpr qsizetype kBlockSize = 16 * 1024;
 
 // Calls line(start, end) for each line of d[from, to), `end` past its break. The piece after the
 // last break is a line only when `last` says the text ends there.
-template <class F>
-void forEachLine(const char16_t* d, qsizetype from, qsizetype to, bool last, F line)
+template <class C, class F>
+void forEachLine(const C* d, qsizetype from, qsizetype to, bool last, F line)
 {
     qsizetype start = from;
     for (qsizetype i = from; i < to; ++i) {
@@ -34,12 +34,31 @@ void forEachLine(const char16_t* d, qsizetype from, qsizetype to, bool last, F l
         assert(start == to);
 }
 
-// Cuts lines into blocks that share one buffer.
+const unsigned char* bytesOf(const QByteArray& text)
+{
+    return reinterpret_cast<const unsigned char*>(text.constData());
+}
+
+// Appends units [from, to) of a block of either width.
+void appendUnits(QString& out, const LineBlock& b, qsizetype from, qsizetype to)
+{
+    if (b.narrow)
+        out.append(QLatin1StringView(b.narrowData() + from, to - from));
+    else
+        out.append(reinterpret_cast<const QChar*>(b.data() + from), to - from);
+}
+
+// Cuts lines into blocks that share one buffer, UTF-16 or Latin-1.
 class BlockMaker
 {
 public:
     BlockMaker(const QString& buffer, std::vector<std::shared_ptr<const LineBlock>>& out)
-        : buffer(buffer)
+        : buffer(&buffer)
+        , out(out)
+    {
+    }
+    BlockMaker(const QByteArray& latin1, std::vector<std::shared_ptr<const LineBlock>>& out)
+        : latin1(&latin1)
         , out(out)
     {
     }
@@ -48,13 +67,17 @@ public:
     {
         if (!block) {
             block = std::make_shared<LineBlock>();
-            block->buffer = buffer;
+            if (buffer)
+                block->buffer = *buffer;
+            else
+                block->latin1 = *latin1;
+            block->narrow = !buffer;
             block->from = start;
         }
         block->starts.push_back(std::uint32_t(start - block->from));
         block->size = end - block->from;
-        block->hashes.push_back(
-            keptHash ? *keptHash : SeqDiff::lineHash(block->line(block->lineCount() - 1)));
+        block->longest = std::max(block->longest, std::uint32_t(end - start));
+        block->hashes.push_back(keptHash ? *keptHash : block->hashOf(block->lineCount() - 1));
         if (block->size >= kBlockSize)
             flush();
     }
@@ -62,27 +85,73 @@ public:
 private:
     void flush()
     {
-        if (block)
+        if (block) {
+            // Nine million lines leave tens of megabytes in the vectors' spare room.
+            block->starts.shrink_to_fit();
+            block->hashes.shrink_to_fit();
             out.push_back(std::move(block));
+        }
         block.reset();
     }
-    const QString& buffer;
+    const QString* buffer = nullptr;
+    const QByteArray* latin1 = nullptr;
     std::vector<std::shared_ptr<const LineBlock>>& out;
     std::shared_ptr<LineBlock> block;
 };
 
 } // namespace
 
+const char16_t* LineBlock::widened() const
+{
+    std::call_once(widening, [this] { wide = QString::fromLatin1(narrowData(), size); });
+    return reinterpret_cast<const char16_t*>(wide.constData());
+}
+
+namespace {
+
+// Where the line [start, end) of d ends without its break.
+template <class C> std::size_t withoutBreak(const C* d, std::size_t start, std::size_t end)
+{
+    if (end > start && d[end - 1] == '\n')
+        --end;
+    if (end > start && d[end - 1] == '\r')
+        --end;
+    return end;
+}
+
+} // namespace
+
+std::size_t LineBlock::textEnd(std::size_t k) const
+{
+    return narrow ? withoutBreak(narrowData(), starts[k], lineEnd(k))
+                  : withoutBreak(data(), starts[k], lineEnd(k));
+}
+
 std::u16string_view LineBlock::line(std::size_t k) const
 {
-    const char16_t* d = data();
-    std::size_t end = lineEnd(k);
-    const std::size_t start = starts[k];
-    if (end > start && d[end - 1] == u'\n')
-        --end;
-    if (end > start && d[end - 1] == u'\r')
-        --end;
-    return {d + start, end - start};
+    return {data() + starts[k], textEnd(k) - starts[k]};
+}
+
+SeqDiff::LineText LineBlock::lineText(std::size_t k) const
+{
+    const std::size_t length = textEnd(k) - starts[k];
+    if (narrow)
+        return {narrowData() + starts[k], length, true};
+    return {data() + starts[k], length, false};
+}
+
+// The hash is that of the UTF-16 form, whatever the width the block holds.
+std::uint64_t LineBlock::hashOf(std::size_t k) const
+{
+    if (!narrow)
+        return SeqDiff::lineHash(line(k));
+    thread_local std::u16string widened;
+    const std::size_t length = textEnd(k) - starts[k];
+    widened.resize(length);
+    const char* d = narrowData() + starts[k];
+    for (std::size_t i = 0; i < length; ++i)
+        widened[i] = char16_t(static_cast<unsigned char>(d[i]));
+    return SeqDiff::lineHash(widened);
 }
 
 LineStore::LineStore(QString text)
@@ -100,10 +169,24 @@ LineStore::LineStore(const QString& text, qsizetype to)
     reindex();
 }
 
+LineStore LineStore::fromLatin1(QByteArray text)
+{
+    LineStore store;
+    store.blocks.clear();
+    {
+        BlockMaker maker(text, store.blocks);
+        forEachLine(bytesOf(text), 0, text.size(), true,
+            [&](qsizetype s, qsizetype e) { maker.add(s, e); });
+    }
+    store.reindex();
+    return store;
+}
+
 void LineStore::extendTo(const QString& text, qsizetype to)
 {
     const LineBlock& last = *blocks.back();
-    if (last.buffer.constData() != text.constData() || last.from + last.size != size()) {
+    if (last.narrow || last.buffer.constData() != text.constData()
+        || last.from + last.size != size()) {
         replace(size(), size(), QStringView(text).sliced(size(), to - size()));
         return;
     }
@@ -151,7 +234,13 @@ std::uint64_t LineStore::lineHash(qsizetype i) const
 {
     const Place p = placeOfLine(i);
     const LineBlock& b = *blocks[p.block];
-    return p.line == b.unhashed ? SeqDiff::lineHash(b.line(p.line)) : b.hashes[p.line];
+    return p.line == b.unhashed ? b.hashOf(p.line) : b.hashes[p.line];
+}
+
+SeqDiff::LineText LineStore::lineText(qsizetype i) const
+{
+    const Place p = placeOfLine(i);
+    return blocks[p.block]->lineText(p.line);
 }
 
 qsizetype LineStore::lineStart(qsizetype i) const
@@ -165,9 +254,22 @@ qsizetype LineStore::lineStart(qsizetype i) const
 qsizetype LineStore::lineEnd(qsizetype i) const
 {
     const Place p = placeOfLine(i);
-    const LineBlock& b = *blocks[p.block];
-    return firstChar[p.block] + (b.line(p.line).data() - b.data())
-        + qsizetype(b.line(p.line).size());
+    return firstChar[p.block] + qsizetype(blocks[p.block]->textEnd(p.line));
+}
+
+qsizetype LineStore::longestLine() const
+{
+    std::size_t best = 0;
+    for (std::size_t b = 1; b < blocks.size(); ++b)
+        if (blocks[b]->longest > blocks[best]->longest)
+            best = b;
+    // A block's figure may be above its lines' since an edit in place shortened one.
+    const LineBlock& block = *blocks[best];
+    std::size_t line = 0;
+    for (std::size_t k = 1; k < block.lineCount(); ++k)
+        if (block.lineEnd(k) - block.starts[k] > block.lineEnd(line) - block.starts[line])
+            line = k;
+    return firstLine[best] + qsizetype(line);
 }
 
 qsizetype LineStore::lineAt(qsizetype position) const
@@ -185,7 +287,7 @@ char16_t LineStore::at(qsizetype position) const
 {
     auto it = std::upper_bound(firstChar.begin(), firstChar.end() - 1, position);
     const std::size_t b = std::size_t(it - firstChar.begin()) - 1;
-    return blocks[b]->data()[position - firstChar[b]];
+    return blocks[b]->unit(std::size_t(position - firstChar[b]));
 }
 
 QString LineStore::text(qsizetype from, qsizetype to) const
@@ -223,7 +325,7 @@ void LineStore::appendText(QString& out, qsizetype from, qsizetype to) const
          b < blocks.size() && firstChar[b] < to; ++b) {
         const qsizetype s = std::max(from, firstChar[b]) - firstChar[b];
         const qsizetype e = std::min(to, firstChar[b + 1]) - firstChar[b];
-        out.append(reinterpret_cast<const QChar*>(blocks[b]->data() + s), e - s);
+        appendUnits(out, *blocks[b], s, e);
     }
 }
 
@@ -249,12 +351,12 @@ void LineStore::replace(qsizetype from, qsizetype to, QStringView with)
 
     QString merged;
     merged.reserve(head + (from - regionStart) + with.size() + (regionEnd - to) + tail);
-    merged.append(reinterpret_cast<const QChar*>(first.data()), head);
+    appendUnits(merged, first, 0, head);
     appendText(merged, regionStart, from);
     merged.append(with);
     appendText(merged, to, regionEnd);
     const qsizetype regionNewEnd = merged.size();
-    merged.append(reinterpret_cast<const QChar*>(last.data() + last.lineEnd(pz.line)), tail);
+    appendUnits(merged, last, qsizetype(last.lineEnd(pz.line)), last.size);
 
     std::vector<std::shared_ptr<const LineBlock>> made;
     {
@@ -286,7 +388,7 @@ bool LineStore::replaceInPlace(qsizetype from, qsizetype to, QStringView with)
         return false;
     const Place p = placeOfLine(line);
     const std::shared_ptr<const LineBlock>& shared = blocks[p.block];
-    if (shared.use_count() != 1 || !shared->buffer.isDetached())
+    if (shared.use_count() != 1 || shared->narrow || !shared->buffer.isDetached())
         return false;
     // Made as a LineBlock and held by this store alone.
     auto* b = const_cast<LineBlock*>(shared.get());
@@ -295,6 +397,7 @@ bool LineStore::replaceInPlace(qsizetype from, qsizetype to, QStringView with)
     b->size += delta;
     for (std::size_t k = p.line + 1; k < b->lineCount(); ++k)
         b->starts[k] = std::uint32_t(qsizetype(b->starts[k]) + delta);
+    b->longest = std::max(b->longest, std::uint32_t(b->lineEnd(p.line) - b->starts[p.line]));
     if (b->unhashed != p.line && b->unhashed < b->lineCount())
         b->hashes[b->unhashed] = SeqDiff::lineHash(b->line(b->unhashed));
     b->unhashed = p.line;

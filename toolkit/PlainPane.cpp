@@ -247,6 +247,9 @@ void PlainPane::showStore(LineStore store)
     preedit.clear();
     widestLaidOut = 0;
     forgetLayouts();
+    // The horizontal range grows as wider lines come into view; starting from the line with
+    // the most characters, it seldom has to.
+    layoutOf(text.longestLine());
     verticalScrollBar()->setValue(0);
     horizontalScrollBar()->setValue(0);
     updateBars();
@@ -313,6 +316,7 @@ void PlainPane::changeEvent(QEvent* e)
         tabStop = 8 * fm.horizontalAdvance(QLatin1Char(' '));
         widestLaidOut = 0;
         forgetLayouts();
+        layoutOf(text.longestLine());
         updateBars();
         viewport()->update();
         emit viewMoved();
@@ -329,14 +333,13 @@ void PlainPane::forgetLayouts()
 qreal PlainPane::advance(std::u16string_view piece) const
 {
     qreal sum = 0;
-    for (char16_t c : piece) {
-        if (c < 256) {
-            sum += narrow[c];
+    for (std::size_t i = 0; i < piece.size(); ++i) {
+        if (piece[i] < 256) {
+            sum += narrow[piece[i]];
             continue;
         }
         // Rare in the long lines this serves; the font's metrics keep their own cache.
-        return sum
-            + QFontMetricsF(font()).horizontalAdvance(viewOf(piece.substr(&c - piece.data())));
+        return sum + QFontMetricsF(font()).horizontalAdvance(viewOf(piece.substr(i)));
     }
     return sum;
 }
@@ -572,23 +575,41 @@ void PlainPane::paintEvent(QPaintEvent*)
             p.fillRect(selected, pal.color(group, QPalette::Highlight));
         }
         const Layout& l = layoutOf(line);
-        const auto drawPieces = [&](const QColor& colour) {
+        // Composed text on a line too long to lay out again opens a gap at the caret: the rest
+        // of the line moves over by its width.
+        const QFontMetricsF fm(font());
+        const qreal caretX = withPreedit ? left + xOf(line, caret - start) : 0;
+        const qreal gap = withPreedit ? fm.horizontalAdvance(preedit) : 0;
+        const auto drawPieces = [&](const QColor& colour, qreal shift) {
             p.setPen(colour);
-            auto k = std::size_t(std::upper_bound(l.xs.begin(), l.xs.end(), -left) - l.xs.begin());
+            auto k = std::size_t(
+                std::upper_bound(l.xs.begin(), l.xs.end(), -left - shift) - l.xs.begin());
             k = k > 0 ? k - 1 : 0;
-            for (; k + 1 < l.starts.size() && left + l.xs[k] < width; ++k) {
+            for (; k + 1 < l.starts.size() && left + shift + l.xs[k] < width; ++k) {
                 if (s[std::size_t(l.starts[k])] == u'\t')
                     continue;
-                p.drawText(QPointF(left + l.xs[k], base),
+                p.drawText(QPointF(left + shift + l.xs[k], base),
                     viewOf(s.substr(
                         std::size_t(l.starts[k]), std::size_t(l.starts[k + 1] - l.starts[k]))));
             }
         };
-        drawPieces(pal.color(group, QPalette::Text));
+        const auto drawLine = [&](const QColor& colour) {
+            if (!withPreedit)
+                return drawPieces(colour, 0);
+            p.save();
+            p.setClipRect(QRectF(0, top, caretX, metricsHeight), Qt::IntersectClip);
+            drawPieces(colour, 0);
+            p.restore();
+            p.save();
+            p.setClipRect(QRectF(caretX + gap, top, width, metricsHeight), Qt::IntersectClip);
+            drawPieces(colour, gap);
+            p.restore();
+        };
+        drawLine(pal.color(group, QPalette::Text));
         if (!selected.isEmpty()) {
             p.save();
             p.setClipRect(selected);
-            drawPieces(pal.color(group, QPalette::HighlightedText));
+            drawLine(pal.color(group, QPalette::HighlightedText));
             p.restore();
         }
         const auto bar = [&](qsizetype at) {
@@ -597,15 +618,13 @@ void PlainPane::paintEvent(QPaintEvent*)
                     pal.color(group, QPalette::Text));
         };
         if (withPreedit) {
-            // A very long line is not laid out again for it: the composed text stands over
-            // the line at the caret.
-            const QFontMetricsF fm(font());
-            const QRectF box(
-                left + xOf(line, caret - start), top, fm.horizontalAdvance(preedit), metricsHeight);
-            p.fillRect(box, pal.color(group, QPalette::Base));
             p.setPen(pal.color(group, QPalette::Text));
-            p.drawText(QPointF(box.left(), base), preedit);
-            p.drawLine(QPointF(box.left(), base + 2), QPointF(box.right(), base + 2));
+            p.drawText(QPointF(caretX, base), preedit);
+            p.drawLine(QPointF(caretX, base + 2), QPointF(caretX + gap, base + 2));
+            if (hasFocus())
+                p.fillRect(QRectF(caretX + fm.horizontalAdvance(preedit.left(preeditCaret)), top, 1,
+                               metricsHeight),
+                    pal.color(group, QPalette::Text));
         } else if (hasFocus() && caretShown && !readOnly) {
             bar(caret);
         }
@@ -954,22 +973,43 @@ void PlainPane::change(qsizetype from, qsizetype to, QStringView with)
         forgetLayouts();
 }
 
+void PlainPane::moveSelection(qsizetype at)
+{
+    const qsizetype from = selectionStart();
+    const qsizetype to = selectionEnd();
+    if (readOnly || from == to || (at >= from && at <= to))
+        return;
+    const QString moved = text.text(from, to);
+    edit(from, to, QString(), false);
+    if (at > to)
+        at -= to - from;
+    edit(at, at, moved, false);
+    undos.back().withPrevious = true;
+    setSelection(at, at + moved.size());
+}
+
 void PlainPane::undo()
 {
     if (!canUndo())
         return;
-    Edit e = std::move(undos.back());
-    undos.pop_back();
-    if (e.other) {
+    if (undos.back().other) {
+        Edit e = std::move(undos.back());
+        undos.pop_back();
         swapWhole(e);
         setSelection(e.anchorBefore, e.caretBefore, false);
         redos.push_back(std::move(e));
         return;
     }
-    change(e.at, e.at + e.inserted.size(), e.removed);
-    caret = e.caretBefore;
-    anchor = e.anchorBefore;
-    redos.push_back(std::move(e));
+    bool more = true;
+    while (more && !undos.empty()) {
+        Edit e = std::move(undos.back());
+        undos.pop_back();
+        change(e.at, e.at + e.inserted.size(), e.removed);
+        caret = e.caretBefore;
+        anchor = e.anchorBefore;
+        more = e.withPrevious;
+        redos.push_back(std::move(e));
+    }
     showChange();
 }
 
@@ -977,17 +1017,21 @@ void PlainPane::redo()
 {
     if (!canRedo())
         return;
-    Edit e = std::move(redos.back());
-    redos.pop_back();
-    if (e.other) {
+    if (redos.back().other) {
+        Edit e = std::move(redos.back());
+        redos.pop_back();
         swapWhole(e);
         undos.push_back(std::move(e));
         return;
     }
-    change(e.at, e.at + e.removed.size(), e.inserted);
-    caret = anchor = e.at + e.inserted.size();
-    e.typing = false;
-    undos.push_back(std::move(e));
+    do {
+        Edit e = std::move(redos.back());
+        redos.pop_back();
+        change(e.at, e.at + e.removed.size(), e.inserted);
+        caret = anchor = e.at + e.inserted.size();
+        e.typing = false;
+        undos.push_back(std::move(e));
+    } while (!redos.empty() && redos.back().withPrevious && !redos.back().other);
     showChange();
 }
 
@@ -1225,19 +1269,16 @@ void PlainPane::dropEvent(QDropEvent* e)
     dropCaret = -1;
     if (readOnly || !e->mimeData()->hasText())
         return e->ignore();
-    qsizetype at = positionAt(e->position());
+    const qsizetype at = positionAt(e->position());
     const QString dropped = e->mimeData()->text();
     if (e->source() == this && e->dropAction() == Qt::MoveAction) {
-        const qsizetype from = selectionStart();
-        const qsizetype to = selectionEnd();
-        if (at >= from && at <= to)
+        if (at >= selectionStart() && at <= selectionEnd())
             return e->ignore();
-        edit(from, to, QString(), false);
-        if (at > to)
-            at -= to - from;
+        moveSelection(at);
+    } else {
+        edit(at, at, dropped, false);
+        setSelection(at, at + dropped.size());
     }
-    edit(at, at, dropped, false);
-    setSelection(at, at + dropped.size());
     e->acceptProposedAction();
     setFocus();
 }

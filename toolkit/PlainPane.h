@@ -56,6 +56,8 @@ public:
     // Edits as the user makes them: they can be undone.
     void replaceSelection(const QString& with);
     void replace(qsizetype from, qsizetype to, const QString& with);
+    // Moves the selected text to `at`, as a drag within the pane does: one step to undo.
+    void moveSelection(qsizetype at);
     bool canUndo() const { return !undos.empty() && !readOnly; }
     bool canRedo() const { return !redos.empty() && !readOnly; }
     bool canPaste() const;
@@ -141,6 +143,7 @@ private:
         bool typing;
         // A whole text replaced: the text on the other side of the step.
         std::unique_ptr<LineStore> other = {};
+        bool withPrevious = false; // undone and redone together with the edit before it
     };
     void showStore(LineStore store);
     // Puts the other text of a whole-text step in place, keeping the one it replaces there.

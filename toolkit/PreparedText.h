@@ -14,13 +14,16 @@ class PreparedText
 {
 public:
     PreparedText() = default;
-
-private:
-    friend class TextArea;
+    // Lines already cut, such as a text kept from an earlier read.
     explicit PreparedText(LineStore lines)
         : lines(std::make_shared<const LineStore>(std::move(lines)))
     {
     }
+    // Shares the blocks: nothing is copied.
+    LineStore store() const { return lines ? *lines : LineStore(); }
+
+private:
+    friend class TextArea;
     std::shared_ptr<const LineStore> lines;
 };
 

@@ -22,6 +22,10 @@ public:
     std::size_t lineCount() const override { return std::size_t(lines.lineCount()); }
     std::u16string_view line(std::size_t i) const override { return lines.line(qsizetype(i)); }
     std::uint64_t lineHash(std::size_t i) const override { return lines.lineHash(qsizetype(i)); }
+    SeqDiff::LineText lineText(std::size_t i) const override
+    {
+        return lines.lineText(qsizetype(i));
+    }
     quint64 revision() const { return rev; }
 
 private:

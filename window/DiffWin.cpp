@@ -647,8 +647,8 @@ bool DiffWin::_FileClose_Action()
 void DiffWin::Event_Open()
 {
     setHeight(Height());
-    textClone[0] = txtBox[0]->Text().toStdString();
-    textClone[1] = txtBox[1]->Text().toStdString();
+    textClone[0] = KeptBytes(txtBox[0]->Text().toStdString());
+    textClone[1] = KeptBytes(txtBox[1]->Text().toStdString());
     // The last slot stays empty.
     std::copy_n(documents::TE.begin(), 8, TE.begin());
     compare();

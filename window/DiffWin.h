@@ -4,6 +4,7 @@
 #include "Difference.h"
 #include "HitTest.h"
 #include "InlineDiffs.h"
+#include "KeptBytes.h"
 #include "TextEncoding.h"
 #include "Window.h"
 
@@ -98,7 +99,7 @@ public:
     indicator::Point clickedPoint;
     bool canvasClicked = false;
     // The bytes last read into each pane, which its encoding turns into the pane's text.
-    std::array<std::string, 2> textClone;
+    std::array<KeptBytes, 2> textClone;
     // The encodings; a pane's popup row is an index into this table.
     std::array<documents::TextEncoding, 9> TE{};
 

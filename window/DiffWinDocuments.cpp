@@ -7,15 +7,18 @@
 #include "EncodingHint.h"
 #include "FileTypes1.h"
 #include "FolderItem.h"
+#include "KeptBytes.h"
 #include "Keyboard.h"
 #include "Label.h"
 #include "NoticeBar.h"
 #include "PlainFile.h"
+#include "PlainIntake.h"
 #include "Rectangle.h"
 #include "RtfReader.h"
 #include "Style.h"
 #include "TextArea.h"
 #include "Timer.h"
+#include "Utf8.h"
 #include "globals.h"
 
 #include <QFile>
@@ -212,14 +215,17 @@ void DiffWin::readPlain(const FolderItem& file, int index, TextArea* pane, Bevel
     // A pane counts its characters in an int.
     if (stream.sizeAtOpen() > std::uint64_t(std::numeric_limits<int>::max()))
         return refused(file, globals::kNoticeTooLarge());
-    std::string text;
-    // Room for the whole file at once, rather than growing by doubling: half the memory on a
-    // large file. A file that reports no size grows as it is read.
+    // A pane that last held styled text reads the next file as UTF-8.
+    const int mode = TEBMenu[index]->isHidden() ? 0 : encodingMode[index];
+    // The intake makes room for the whole file at once.
+    std::optional<PlainIntake> made;
     try {
-        text.reserve(std::size_t(stream.sizeAtOpen()));
+        made.emplace(TE[std::size_t(mode)] == documents::TextEncoding::UTF8, stream.sizeAtOpen());
     } catch (const std::bad_alloc&) {
         return refused(file, globals::kNoticeTooLarge());
     }
+    PlainIntake& intake = *made;
+    toolkit::PreparedText decoded;
     title->setCaption(kProgressCaption);
     title->repaint();
     ++panesLoading;
@@ -241,11 +247,14 @@ void DiffWin::readPlain(const FolderItem& file, int index, TextArea* pane, Bevel
         [&](std::stop_token stop) {
             std::array<char, 1024> chunk;
             while (!stream.atEnd()) {
-                text.append(chunk.data(), stream.read(chunk.data(), chunk.size()));
-                taken = text.size();
+                intake.take({chunk.data(), stream.read(chunk.data(), chunk.size())});
+                taken = intake.taken();
                 if (stop.stop_requested())
                     break;
             }
+            intake.finish();
+            if (intake.decoded())
+                decoded = toolkit::PreparedText(intake.lines());
         },
         showProgress);
     // Nor is the text of a read that quitting stopped worth showing.
@@ -259,7 +268,8 @@ void DiffWin::readPlain(const FolderItem& file, int index, TextArea* pane, Bevel
     pane->setTextFont(QStringLiteral("System"));
     pane->setTextSize(0);
     shownName[index] = file.DisplayName();
-    textClone[index] = std::move(text);
+    textClone[index]
+        = intake.decoded() ? KeptBytes(decoded.store()) : KeptBytes(std::move(intake.bytes()));
     if (TEBMenu[index]->isHidden())
         initTEMenu(index);
     setTxEnc(index);
@@ -302,21 +312,43 @@ void DiffWin::notice(const QString& line)
 
 void DiffWin::setTxEnc(int index)
 {
-    const std::string& bytes = textClone[index];
     const documents::TextEncoding encoding = TE[size_t(encodingMode[index])];
     toolkit::PreparedText prepared;
     int cleaner = -1;
     // Off the window's thread, which then only hands the lines to the pane: a large text takes
     // seconds to decode and cut into lines.
+    bool wellFormedUtf8 = false;
     workAside([&](std::stop_token) {
-        QString text(
-            qsizetype(documents::maxDecodedLength(encoding, bytes.size())), Qt::Uninitialized);
-        text.resize(qsizetype(
-            documents::decode(encoding, bytes, reinterpret_cast<char16_t*>(text.data()))));
-        if (text.contains(QChar::ReplacementCharacter))
-            cleaner = documents::cleanerRow(bytes, std::span(TE).first(5), encodingMode[index]);
-        prepared = TextArea::prepare(std::move(text));
+        const KeptBytes& kept = textClone[index];
+        const bool utf8 = encoding == documents::TextEncoding::UTF8;
+        if (kept.utf8Text() && utf8) {
+            prepared = toolkit::PreparedText(*kept.utf8Text());
+            return;
+        }
+        kept.withBytes([&](std::string_view bytes) {
+            // Taken as a file read under UTF-8 is: one byte a character where it can be, and
+            // the bytes then given back by the text.
+            wellFormedUtf8 = utf8 && validUtf8Prefix(bytes) == bytes.size();
+            if (wellFormedUtf8) {
+                PlainIntake intake(true, bytes.size());
+                constexpr std::size_t kPiece = 1 << 16;
+                for (std::size_t at = 0; at < bytes.size(); at += kPiece)
+                    intake.take(bytes.substr(at, kPiece));
+                intake.finish();
+                prepared = toolkit::PreparedText(intake.lines());
+                return;
+            }
+            QString text(
+                qsizetype(documents::maxDecodedLength(encoding, bytes.size())), Qt::Uninitialized);
+            text.resize(qsizetype(
+                documents::decode(encoding, bytes, reinterpret_cast<char16_t*>(text.data()))));
+            if (text.contains(QChar::ReplacementCharacter))
+                cleaner = documents::cleanerRow(bytes, std::span(TE).first(5), encodingMode[index]);
+            prepared = TextArea::prepare(std::move(text));
+        });
     });
+    if (wellFormedUtf8)
+        textClone[index] = KeptBytes(prepared.store());
     if (replaceUndoably)
         txtBox[index]->replaceText(prepared);
     else

@@ -106,7 +106,10 @@ private slots:
     void editingByKeys();
     void marksFollowEdits_data();
     void marksFollowEdits();
+    void movingTextIsOneStep_data();
+    void movingTextIsOneStep();
     void mouseSelects();
+    void inputMethodComposesInPlace_data();
     void inputMethodComposesInPlace();
     void screenReaderReadsAndEdits();
     void scrollPositionCountsLinesAndStops();
@@ -260,10 +263,14 @@ void TstToolkit::storeFollowsTheSplitRule_data()
     QTest::addColumn<int>("seed");
     QTest::addColumn<int>("length"); // of the first text
     QTest::addColumn<int>("pieceLength"); // most characters an edit takes away or puts in
-    QTest::newRow("short texts, small edits") << 1 << 40 << 4;
-    QTest::newRow("many blocks, small edits") << 2 << 120'000 << 6;
-    QTest::newRow("many blocks, large edits") << 3 << 90'000 << 40'000;
-    QTest::newRow("from empty") << 4 << 0 << 30;
+    QTest::addColumn<bool>("narrow"); // the first text held one byte a character
+    QTest::newRow("short texts, small edits") << 1 << 40 << 4 << false;
+    QTest::newRow("many blocks, small edits") << 2 << 120'000 << 6 << false;
+    QTest::newRow("many blocks, large edits") << 3 << 90'000 << 40'000 << false;
+    QTest::newRow("from empty") << 4 << 0 << 30 << false;
+    QTest::newRow("narrow, small edits") << 5 << 120'000 << 6 << true;
+    QTest::newRow("narrow, large edits") << 6 << 90'000 << 40'000 << true;
+    QTest::newRow("narrow, from empty") << 7 << 0 << 30 << true;
 }
 
 // After any edits the store's lines, hashes and positions are those of the text cut afresh.
@@ -272,6 +279,7 @@ void TstToolkit::storeFollowsTheSplitRule()
     QFETCH(int, seed);
     QFETCH(int, length);
     QFETCH(int, pieceLength);
+    QFETCH(bool, narrow);
     std::mt19937 random{unsigned(seed)};
     // Every line end and the characters that must stay inside a line.
     const std::u16string alphabet = u"ab\r\n\r\n\u2028\uFDD0\uFDD1\uFEFF";
@@ -283,7 +291,11 @@ void TstToolkit::storeFollowsTheSplitRule()
         return s;
     };
     QString text = piece(length);
-    toolkit::LineStore store(text);
+    if (narrow)
+        text.replace(
+            QRegularExpression(QStringLiteral("[^\\x{0}-\\x{ff}]")), QStringLiteral("\u00E9"));
+    toolkit::LineStore store
+        = narrow ? toolkit::LineStore::fromLatin1(text.toLatin1()) : toolkit::LineStore(text);
     // A copy taken now and then, as a snapshot is, must never change.
     toolkit::LineStore held = store;
     QString heldText = text;
@@ -308,6 +320,8 @@ void TstToolkit::storeFollowsTheSplitRule()
         for (std::size_t i = 0; i < expected.size(); i += 1 + expected.size() / 200) {
             const auto at = qsizetype(i);
             QVERIFY(store.line(at) == expected[i]);
+            QVERIFY(store.lineText(at)
+                == (SeqDiff::LineText{expected[i].data(), expected[i].size(), false}));
             QCOMPARE(store.lineHash(at), SeqDiff::lineHash(expected[i]));
             const qsizetype start
                 = expected[i].data() - reinterpret_cast<const char16_t*>(text.utf16());
@@ -421,6 +435,44 @@ void TstToolkit::editingByKeys()
         std::size_t(after.split(QRegularExpression("\r\n|\r|\n")).size()));
 }
 
+void TstToolkit::movingTextIsOneStep_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QList<int>>("selection"); // start, length
+    QTest::addColumn<int>("at");
+    QTest::addColumn<QString>("after");
+    QTest::newRow("forward") << "ab cd ef" << QList{0, 3} << 6 << "cd ab ef";
+    QTest::newRow("back, across lines") << "one\ntwo" << QList{4, 3} << 0 << "twoone\n";
+    QTest::newRow("onto itself") << "abc" << QList{0, 2} << 1 << "abc";
+}
+
+// Text dragged to another place in its pane comes back with one undo, and goes again with one
+// redo.
+void TstToolkit::movingTextIsOneStep()
+{
+    QFETCH(QString, text);
+    QFETCH(QList<int>, selection);
+    QFETCH(int, at);
+    QFETCH(QString, after);
+    toolkit::TextArea pane;
+    QVERIFY(showText(pane, text));
+    auto* editor = qobject_cast<toolkit::PlainPane*>(pane.focusProxy());
+    QVERIFY(editor);
+    pane.select(selection[0], selection[1]);
+    editor->moveSelection(at);
+    QCOMPARE(pane.Text(), after);
+    if (after == text) {
+        QVERIFY(!editor->canUndo());
+        return;
+    }
+    QTest::keyClick(editor, Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(pane.Text(), text);
+    QVERIFY(!editor->canUndo());
+    QTest::keyClick(editor, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    QCOMPARE(pane.Text(), after);
+    QVERIFY(!editor->canRedo());
+}
+
 // A double click takes a word, a shift click stretches the selection, a drag selects.
 void TstToolkit::mouseSelects()
 {
@@ -446,29 +498,49 @@ void TstToolkit::mouseSelects()
 }
 
 // Text being composed shows in the pane but is not yet in it; the committed text is.
+void TstToolkit::inputMethodComposesInPlace_data()
+{
+    QTest::addColumn<QString>("tail"); // of the line, after the caret
+    QTest::newRow("short line") << QStringLiteral("b");
+    QTest::newRow("line too long to lay out again") << QStringLiteral("bcd") + QString(5000, u'x');
+}
+
 void TstToolkit::inputMethodComposesInPlace()
 {
+    QFETCH(QString, tail);
+    const QString text = QStringLiteral("a") + tail;
+    const QString composed = QString::fromUtf16(u"\u306B\u307B");
     toolkit::TextArea pane;
-    QVERIFY(showText(pane, QStringLiteral("ab")));
+    QVERIFY(showText(pane, text));
     pane.select(1, 0);
     QWidget* editor = pane.focusProxy();
     const QImage before = pane.grab().toImage();
-    QInputMethodEvent composing(QString::fromUtf16(u"\u306B\u307B"), {});
+    QInputMethodEvent composing(composed, {});
     QApplication::sendEvent(editor, &composing);
-    QCOMPARE(pane.Text(), QStringLiteral("ab"));
+    QCOMPARE(pane.Text(), text);
     QVERIFY(pane.grab().toImage() != before);
-    QCOMPARE(editor->inputMethodQuery(Qt::ImSurroundingText).toString(), QStringLiteral("ab"));
+    // A long line is handed over in part.
+    const QString around = editor->inputMethodQuery(Qt::ImSurroundingText).toString();
+    QVERIFY(around.size() >= 2 && text.startsWith(around));
     QCOMPARE(editor->inputMethodQuery(Qt::ImCursorPosition).toInt(), 1);
+    // What follows the composed text stands where it will once the text is in.
+    toolkit::TextArea typed;
+    QVERIFY(showText(typed, QStringLiteral("a") + composed + tail));
+    const QFontMetrics fm(pane.font());
+    const int after = 4 + fm.horizontalAdvance(QStringLiteral("a") + composed) + 2;
+    const QRect rest(after, 0, pane.viewport()->width() - after, pane.LineHeight());
+    QCOMPARE(pane.viewport()->grab(rest).toImage(), typed.viewport()->grab(rest).toImage());
+
     QInputMethodEvent done;
     done.setCommitString(QString::fromUtf16(u"\u65E5\u672C"));
     QApplication::sendEvent(editor, &done);
-    QCOMPARE(pane.Text(), QString::fromUtf16(u"a\u65E5\u672Cb"));
+    QCOMPARE(pane.Text(), QString::fromUtf16(u"a\u65E5\u672C") + tail);
     QCOMPARE(pane.SelectionStart(), 3);
 
     pane.setReadOnly(true);
     QApplication::sendEvent(editor, &done);
     QTest::keyClick(editor, Qt::Key_X);
-    QCOMPARE(pane.Text(), QString::fromUtf16(u"a\u65E5\u672Cb"));
+    QCOMPARE(pane.Text(), QString::fromUtf16(u"a\u65E5\u672C") + tail);
 }
 
 void TstToolkit::screenReaderReadsAndEdits()
@@ -512,6 +584,18 @@ void TstToolkit::scrollPositionCountsLinesAndStops()
     const int bottom = pane.TextTop() + pane.TextHeight();
     QVERIFY(pane.lineRect(499).bottom() < bottom);
     QVERIFY(pane.lineRect(499).bottom() + pane.LineHeight() >= bottom);
+
+    // The horizontal range is that of the widest line before it comes into view, and stays.
+    QStringList lines(500, QStringLiteral("short"));
+    lines[300] = QString(400, u'w');
+    pane.setText(lines.join(u'\n'));
+    const QScrollBar* across
+        = qobject_cast<QAbstractScrollArea*>(pane.focusProxy())->horizontalScrollBar();
+    const int range = across->maximum();
+    QVERIFY(range > QFontMetrics(pane.font()).horizontalAdvance(QString(300, u'w')));
+    pane.setVerticalScrollPosition(295);
+    QApplication::processEvents();
+    QCOMPARE(across->maximum(), range);
 }
 
 void TstToolkit::characterPositionsShareOneScale()

@@ -240,7 +240,7 @@ void TstDiffWin::opensOnAComparisonOfTheSamples()
     QVERIFY(w);
     QTRY_VERIFY_WITH_TIMEOUT(w->resultIsCurrent(), 5000);
     QCOMPARE(w->txtBox[0]->LineCount(), globals::kOriginalSampleT().count(u'\r') + 1);
-    QCOMPARE(QString::fromStdString(w->textClone[0]), w->txtBox[0]->Text());
+    QCOMPARE(QString::fromStdString(w->textClone[0].bytes()), w->txtBox[0]->Text());
     QVERIFY(w->diffs.size() >= 3);
     // The first difference is made current with the first result.
     QVERIFY(!w->onlyFirst);

@@ -2,11 +2,14 @@
 #include "BevelButton.h"
 #include "DiffWin.h"
 #include "FolderItem.h"
+#include "KeptBytes.h"
 #include "Label.h"
 #include "NoticeBar.h"
+#include "PlainIntake.h"
 #include "Rectangle.h"
 #include "Style.h"
 #include "TextArea.h"
+#include "TextEncoding.h"
 #include "Timer.h"
 #include "globals.h"
 
@@ -140,6 +143,8 @@ private slots:
     void aFileChangingWhileReadEnds_data();
     void aFileChangingWhileReadEnds();
     void encodings();
+    void keptBytesAreTheFilesBytes_data();
+    void keptBytesAreTheFilesBytes();
     void styledTextHidesThePopupUntilAPlainFile();
     void clearAll();
     void dragFeedback_data();
@@ -267,7 +272,7 @@ void TstDocuments::readingByKind()
         QCOMPARE(w->txtBox[0]->Text().startsWith("Name:"), textRead);
     } else {
         QCOMPARE(w->txtBox[0]->Text(), textRead ? QString::fromUtf8(bytes) : before);
-        QCOMPARE(w->textClone[0] == bytes.toStdString(), textRead);
+        QCOMPARE(w->textClone[0].bytes() == bytes.toStdString(), textRead);
     }
     const QString title = kind == "link" ? QStringLiteral("target.txt")
         : kind == "bytes"                ? QStringLiteral("a\\xff.txt")
@@ -375,7 +380,7 @@ void TstDocuments::escStopsTheRead()
     spy.stop();
     QKeyEvent up(QEvent::KeyRelease, Qt::Key_Escape, Qt::NoModifier);
     QCoreApplication::sendEvent(qApp, &up);
-    const int got = int(w->textClone[0].size());
+    const int got = int(w->textClone[0].bytes().size());
     if (expected < 0)
         QVERIFY(got > 0 && got < size && got % 1024 == 0);
     else
@@ -413,7 +418,7 @@ void TstDocuments::aFileChangingWhileReadEnds()
     });
     between.start(0);
     load(w, path);
-    const std::string got = w->textClone[0];
+    const std::string got = w->textClone[0].bytes();
     QVERIFY(got.size() >= std::size_t(least) && got.size() <= 5000);
     QCOMPARE(got, std::string(got.size(), 'x'));
     const QString cut = got.size() < 5000
@@ -482,6 +487,74 @@ void TstDocuments::encodings()
     // The choice stays for the next file of that pane.
     load(w, files.write("sjis2.txt", kShiftJis), 0);
     QCOMPARE(w->txtBox[0]->Text(), kJapanese);
+    // Well-formed UTF-8 read under another row, then read as UTF-8, keeps no second copy.
+    load(w, files.write("utf8-first.txt", kJapanese.toUtf8()), 0);
+    QVERIFY(!w->textClone[0].utf8Text());
+    w->TEBMenu[0]->setMenuValue(0);
+    emit w->TEBMenu[0]->Action();
+    QCOMPARE(w->txtBox[0]->Text(), kJapanese);
+    QVERIFY(w->textClone[0].utf8Text());
+    QCOMPARE(w->textClone[0].bytes(), kJapanese.toUtf8().toStdString());
+
+    // A file read as UTF-8 is read again from its own bytes, whatever was typed since.
+    load(w, files.write("utf8.txt", kJapanese.toUtf8()), 0);
+    w->txtBox[0]->setText(QStringLiteral("edited"));
+    for (const int row : {1, 0}) {
+        w->TEBMenu[0]->setMenuValue(row);
+        emit w->TEBMenu[0]->Action();
+    }
+    QCOMPARE(w->txtBox[0]->Text(), kJapanese);
+}
+
+void TstDocuments::keptBytesAreTheFilesBytes_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<bool>("decoded"); // the bytes themselves are kept otherwise
+    const QByteArray pair = "\xF0\x9F\x98\x80"; // U+1F600
+    QTest::newRow("empty") << QByteArray() << true;
+    QTest::newRow("byte-order mark") << QByteArray("\xEF\xBB\xBF"
+                                                   "a\r\nb")
+                                     << true;
+    QTest::newRow("breaks and NUL") << QByteArray("a\rb\r\n\r\nc\n\0d", 11) << true;
+    QTest::newRow("Latin-1 range") << QByteArray("caf\xC3\xA9\r\n\xC2\xA0") << true;
+    QTest::newRow("widened part way") << QByteArray(3000, 'a') + "\xC3\xA9\n\xE6\x97\xA5" << true;
+    QTest::newRow("U+FFFD in the file") << QByteArray("x\xEF\xBF\xBDy\n") << true;
+    QTest::newRow("pairs across pieces") << QByteArray(1021, 'a') + pair + pair + "\n" << true;
+    QTest::newRow("pair after 64K units")
+        << QByteArray(65535, 'a') + pair + QByteArray(9, 'b') << true;
+    QTest::newRow("invalid byte") << QByteArray("ab\xFF"
+                                                "cd")
+                                  << false;
+    QTest::newRow("surrogate") << QByteArray("a\xED\xA0\x80") << false;
+    QTest::newRow("overlong") << QByteArray("\xC0\xAF") << false;
+    QTest::newRow("cut at the end") << QByteArray("abc\xE3\x81") << false;
+    QTest::newRow("invalid far in") << QByteArray(70000, 'a') + pair + "\x80z" << false;
+}
+
+void TstDocuments::keptBytesAreTheFilesBytes()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(bool, decoded);
+    const std::string_view all(bytes.constData(), std::size_t(bytes.size()));
+    const std::u16string expected = documents::decode(documents::TextEncoding::UTF8, all);
+    for (const std::size_t piece : {std::size_t(1), std::size_t(3), std::size_t(1024)}) {
+        PlainIntake intake(true, all.size());
+        for (std::size_t at = 0; at < all.size(); at += piece)
+            intake.take(all.substr(at, piece));
+        intake.finish();
+        QCOMPARE(intake.decoded(), decoded);
+        QCOMPARE(intake.taken(), all.size());
+        const toolkit::LineStore lines = intake.lines();
+        const KeptBytes kept = decoded ? KeptBytes(lines) : KeptBytes(intake.bytes());
+        if (decoded)
+            QVERIFY(lines.text() == QStringView(expected.data(), qsizetype(expected.size())));
+        QCOMPARE(kept.bytes(), std::string(all));
+    }
+    // Bytes under another encoding are kept as they come.
+    PlainIntake other(false, 0);
+    other.take(all);
+    other.finish();
+    QVERIFY(!other.decoded() && other.bytes() == all);
 }
 
 void TstDocuments::styledTextHidesThePopupUntilAPlainFile()
