@@ -39,12 +39,12 @@ wait_for() {
     echo "$n"
 }
 
-# The first band in the indicator's columns, once the comparison has drawn it.
+# The first band in the indicator's columns, once the comparison has drawn it (current or not).
 band=
 for _ in $(seq 60); do
     before=$(band_pixels)
     band=$(convert "$work/shot.png" -crop 40x2000+314+0 +repage txt:- 2>/dev/null \
-        | grep -m 1 -i '#FFCC00' | cut -d: -f1)
+        | grep -m 1 -i -E '#FFCC00|#FFAA00' | cut -d: -f1)
     [ -n "$band" ] && break
     sleep 0.3
 done
