@@ -213,6 +213,7 @@ void PlainPane::setStore(LineStore store)
 {
     undos.clear();
     redos.clear();
+    beforeFirst = nullptr;
     showStore(std::move(store));
 }
 
@@ -992,6 +993,10 @@ void PlainPane::undo()
 {
     if (!canUndo())
         return;
+    if (undos.empty()) {
+        const auto back = std::exchange(beforeFirst, nullptr);
+        return back();
+    }
     if (undos.back().other) {
         Edit e = std::move(undos.back());
         undos.pop_back();

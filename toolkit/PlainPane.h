@@ -7,6 +7,7 @@
 #include <QBasicTimer>
 #include <QPoint>
 
+#include <functional>
 #include <memory>
 #include <unordered_map>
 #include <vector>
@@ -58,7 +59,10 @@ public:
     void replace(qsizetype from, qsizetype to, const QString& with);
     // Moves the selected text to `at`, as a drag within the pane does: one step to undo.
     void moveSelection(qsizetype at);
-    bool canUndo() const { return !undos.empty() && !readOnly; }
+    bool canUndo() const { return (!undos.empty() || beforeFirst) && !readOnly; }
+    // What Undo does past the first step: bring back a text the pane did not hold (a styled
+    // one). A new text forgets it.
+    std::function<void()> beforeFirst;
     bool canRedo() const { return !redos.empty() && !readOnly; }
     bool canPaste() const;
 

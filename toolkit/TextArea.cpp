@@ -132,18 +132,47 @@ void TextArea::resizeEvent(QResizeEvent*)
 // Unwatched first: a widget sends events while it is taken down.
 void TextArea::deleteRich()
 {
-    if (!rich)
+    for (QTextEdit* pane : {rich.data(), richAside.data()}) {
+        if (!pane)
+            continue;
+        pane->viewport()->removeEventFilter(this);
+        pane->removeEventFilter(this);
+        delete pane;
+    }
+}
+
+void TextArea::putRichAside()
+{
+    const bool focused = rich->hasFocus();
+    richAside = rich;
+    rich = nullptr;
+    richAside->hide();
+    showInside(plain);
+    if (focused)
+        plain->setFocus();
+}
+
+void TextArea::takeRichBack()
+{
+    if (!richAside)
         return;
-    rich->viewport()->removeEventFilter(this);
-    rich->removeEventFilter(this);
-    delete rich;
+    const bool focused = plain->hasFocus();
+    rich = richAside;
+    richAside = nullptr;
+    plain->setStore(LineStore());
+    showInside(rich);
+    if (focused)
+        rich->setFocus();
+    markRich();
+    ++revision;
+    emit TextChange();
 }
 
 void TextArea::dropRich()
 {
-    if (!rich)
+    if (!rich && !richAside)
         return;
-    const bool focused = rich->hasFocus();
+    const bool focused = rich && rich->hasFocus();
     deleteRich();
     showInside(plain);
     if (focused)
@@ -186,10 +215,16 @@ void TextArea::setText(const PreparedText& text)
 
 void TextArea::replaceText(const PreparedText& text)
 {
-    if (rich)
-        return setText(text);
+    if (!rich) {
+        ++fills;
+        plain->replaceStore(text.lines ? *text.lines : LineStore());
+        return;
+    }
     ++fills;
-    plain->replaceStore(text.lines ? *text.lines : LineStore());
+    putRichAside();
+    // The plain pane starts clean: its first Undo brings the styled text back.
+    plain->setStore(text.lines ? *text.lines : LineStore());
+    plain->beforeFirst = [this] { takeRichBack(); };
 }
 
 bool TextArea::setText(const QString& text, const std::function<bool()>& between)

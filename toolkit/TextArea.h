@@ -138,10 +138,14 @@ private:
     void watch(QWidget* w);
     void dropRich();
     void deleteRich();
+    void putRichAside();
+    void takeRichBack();
     void markRich();
 
     PlainPane* plain = nullptr;
     QPointer<QTextEdit> rich;
+    // A styled text replaced by a plain one as a step that Undo takes back; hidden meanwhile.
+    QPointer<QTextEdit> richAside;
     bool readOnly = false;
     bool acceptsFiles = false;
     quint64 revision = 0;

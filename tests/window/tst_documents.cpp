@@ -22,6 +22,7 @@
 #include <QScopeGuard>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTextEdit>
 #include <QTimer>
 #include <QToolTip>
 #include <QUrl>
@@ -630,6 +631,13 @@ void TstDocuments::clearAll()
     QCOMPARE(w->txtBox[0]->Text(), kJapanese);
     QTest::keyClick(w->txtBox[0]->focusProxy(), Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
     QCOMPARE(w->txtBox[0]->Text(), QString());
+    // A styled pane's text comes back too, with its styles, after the typing since.
+    QTest::keyClicks(w->txtBox[1]->focusProxy(), "ab");
+    QTest::keyClick(w->txtBox[1]->focusProxy(), Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(w->txtBox[1]->Text(), QString());
+    QTest::keyClick(w->txtBox[1]->focusProxy(), Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(w->txtBox[1]->Text(), QStringLiteral("styled"));
+    QVERIFY(qobject_cast<QTextEdit*>(w->txtBox[1]->focusProxy()));
     // The bytes last read are kept: a row picked now shows them again.
     w->TEBMenu[0]->setMenuValue(1);
     emit w->TEBMenu[0]->Action();
