@@ -110,6 +110,12 @@ bool NoticeBar::eventFilter(QObject* watched, QEvent* event)
     return QWidget::eventFilter(watched, event);
 }
 
+void NoticeBar::setBottomMargin(int margin)
+{
+    bottomMargin = margin;
+    place();
+}
+
 void NoticeBar::place()
 {
     const QWidget* over = parentWidget();
@@ -126,8 +132,9 @@ void NoticeBar::place()
     }
     height = std::max(height, label->heightForWidth(std::max(labelWidth, 1)));
     height += margins.top() + margins.bottom();
-    height = std::min(height, over->height() / 3);
-    setGeometry(0, over->height() - height, over->width(), height);
+    const int bottom = over->height() - bottomMargin;
+    height = std::min(height, bottom / 3);
+    setGeometry(0, bottom - height, over->width(), height);
 }
 
 } // namespace toolkit

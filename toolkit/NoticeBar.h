@@ -13,7 +13,7 @@ class QToolButton;
 
 namespace toolkit {
 
-// A strip over the bottom edge of its parent that tells of a file that was not read, or not
+// A strip near the bottom edge of its parent that tells of a file that was not read, or not
 // read whole, or changed, with buttons for what can be done about it. It takes no room from the
 // controls below it and never blocks: the user closes it, or the next good read does.
 class NoticeBar : public QWidget
@@ -33,6 +33,8 @@ public:
     // The lines shown, one a line; empty when hidden.
     QString text() const;
     void dismiss();
+    // Room left free below the bar, for controls that must stay within reach.
+    void setBottomMargin(int margin);
 
     static constexpr int kMaxLines = 3;
 
@@ -45,6 +47,7 @@ private:
     QLabel* label;
     QToolButton* closeButton;
     QHBoxLayout* row;
+    int bottomMargin = 0;
     QStringList lines;
     std::vector<QPushButton*> actions;
     // The line each button belongs to, by its key.

@@ -303,8 +303,11 @@ QString DiffWin::whyNotOpened(const FolderItem& file, int error)
 void DiffWin::notice(const QString& line)
 {
     noticedThisRead = true;
-    if (!noticeBar)
+    if (!noticeBar) {
         noticeBar = new toolkit::NoticeBar(surface(), globals::kNoticeClose());
+        // Over the foot of the panes: the buttons and the legend below them stay in reach.
+        noticeBar->setBottomMargin(surface()->height() - toolkit::windowRect(txtBack[0]).bottom());
+    }
     noticeBar->addNotice(line);
     if (echoNotices)
         std::fprintf(stderr, "twinly: %s\n", qPrintable(line));

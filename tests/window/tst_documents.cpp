@@ -286,6 +286,9 @@ void TstDocuments::readingByKind()
     QCOMPARE(w->dirty, titled);
     QCOMPARE(w->txtBox[1]->Text(), other);
     const QString told = w->noticeBar && w->noticeBar->isVisible() ? w->noticeBar->text() : "";
+    // The buttons below the panes stay within reach while a notice shows.
+    if (!told.isEmpty())
+        QVERIFY(!w->noticeBar->geometry().intersects(toolkit::windowRect(w->BtnsBack)));
     const QString shownName = toolkit::FolderItem(nativePath).DisplayName();
     QCOMPARE(told, notice.isEmpty() ? notice : globals::kNoticeNotRead().arg(shownName, notice));
 }
