@@ -233,8 +233,12 @@ void PlainPane::replaceStore(LineStore store)
 void PlainPane::swapWhole(Edit& e)
 {
     LineStore shown = std::move(text);
+    QVariant shownState = stateNow ? stateNow() : QVariant();
     showStore(std::move(*e.other));
     *e.other = std::move(shown);
+    const QVariant back = std::exchange(e.otherState, std::move(shownState));
+    if (back.isValid() && stateBack)
+        stateBack(back);
 }
 
 void PlainPane::showStore(LineStore store)

@@ -6,6 +6,7 @@
 #include <QAbstractScrollArea>
 #include <QBasicTimer>
 #include <QPoint>
+#include <QVariant>
 
 #include <functional>
 #include <memory>
@@ -63,6 +64,10 @@ public:
     // What Undo does past the first step: bring back a text the pane did not hold (a styled
     // one). A new text forgets it.
     std::function<void()> beforeFirst;
+    // What goes with a whole text beside its characters (its owner's word for how it was read),
+    // asked for when the text leaves by Undo or Redo and handed back when it returns.
+    std::function<QVariant()> stateNow;
+    std::function<void(const QVariant&)> stateBack;
     bool canRedo() const { return !redos.empty() && !readOnly; }
     bool canPaste() const;
 
@@ -147,6 +152,7 @@ private:
         bool typing;
         // A whole text replaced: the text on the other side of the step.
         std::unique_ptr<LineStore> other = {};
+        QVariant otherState = {};
         bool withPrevious = false; // undone and redone together with the edit before it
     };
     void showStore(LineStore store);

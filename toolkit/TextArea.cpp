@@ -165,7 +165,16 @@ void TextArea::takeRichBack()
         rich->setFocus();
     markRich();
     ++revision;
+    if (richAsideState.isValid() && plain->stateBack)
+        plain->stateBack(std::exchange(richAsideState, QVariant()));
     emit TextChange();
+}
+
+void TextArea::setStateHooks(
+    std::function<QVariant()> now, std::function<void(const QVariant&)> back)
+{
+    plain->stateNow = std::move(now);
+    plain->stateBack = std::move(back);
 }
 
 void TextArea::dropRich()
@@ -221,6 +230,7 @@ void TextArea::replaceText(const PreparedText& text)
         return;
     }
     ++fills;
+    richAsideState = plain->stateNow ? plain->stateNow() : QVariant();
     putRichAside();
     // The plain pane starts clean: its first Undo brings the styled text back.
     plain->setStore(text.lines ? *text.lines : LineStore());

@@ -47,6 +47,9 @@ public:
     // the UI thread at once, and raises TextChange like setText(QString).
     static PreparedText prepare(QString text);
     void setText(const PreparedText& text);
+    // What goes with the shown text beside its characters, asked for when replaceText() or
+    // Undo takes it away, and handed back when Undo or Redo brings it back.
+    void setStateHooks(std::function<QVariant()> now, std::function<void(const QVariant&)> back);
     // The same as one step that Undo takes back, in a plain pane; a styled pane starts clean.
     void replaceText(const PreparedText& text);
 
@@ -146,6 +149,7 @@ private:
     QPointer<QTextEdit> rich;
     // A styled text replaced by a plain one as a step that Undo takes back; hidden meanwhile.
     QPointer<QTextEdit> richAside;
+    QVariant richAsideState;
     bool readOnly = false;
     bool acceptsFiles = false;
     quint64 revision = 0;

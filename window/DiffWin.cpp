@@ -204,6 +204,8 @@ void DiffWin::ConnectHandlers()
 {
     for (int i = 0; i < 2; ++i) {
         connect(txtBox[i], &TextArea::TextChange, this, [this, i] { txtBox_TextChange(i); });
+        txtBox[i]->setStateHooks([this, i] { return shownState[std::size_t(i)]; },
+            [this, i](const QVariant& state) { showPaneState(i, state); });
         txtBox[i]->onMouseWheel = [this, i](int x, int y, int deltaX, int deltaY) {
             return txtBox_MouseWheel(i, x, y, deltaX, deltaY);
         };
@@ -649,6 +651,7 @@ void DiffWin::Event_Open()
     setHeight(Height());
     textClone[0] = KeptBytes(txtBox[0]->Text().toStdString());
     textClone[1] = KeptBytes(txtBox[1]->Text().toStdString());
+    shownState = {paneStateNow(0), paneStateNow(1)};
     // The last slot stays empty.
     std::copy_n(documents::TE.begin(), 8, TE.begin());
     compare();

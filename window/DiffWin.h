@@ -86,6 +86,11 @@ public:
     // The file each pane shows, by its path's bytes; empty when none.
     std::array<QByteArray, 2> shownFile;
     std::array<QString, 2> shownName;
+    // How the text a pane shows was read (its file, its encoding row or styled kind), kept with
+    // the text when Undo takes it away, and shown again when Undo brings it back.
+    std::array<QVariant, 2> shownState;
+    QVariant paneStateNow(int index) const;
+    void showPaneState(int index, const QVariant& state);
 
     std::vector<SeqDiff::Difference> diffs;
     std::vector<std::int64_t> topsA, topsB;

@@ -168,6 +168,7 @@ void DiffWin::setTextBox(FolderItem file, int index, TextArea* pane, BevelButton
         noticeBar->dismiss();
     MakeTitlePopup(title, file);
     shownFile[index] = file.NativeBytes();
+    shownState[std::size_t(index)] = paneStateNow(index);
     readRevision[index] = txtBox[index]->contentRevision();
     watchShownFiles(index);
     txtBox[index]->setVerticalScrollPosition(0);
@@ -398,6 +399,40 @@ void DiffWin::TEBMenu_Action(int index)
     replaceUndoably = true;
     setTxEnc(index);
     replaceUndoably = false;
+    shownState[std::size_t(index)] = paneStateNow(index);
+}
+
+QVariant DiffWin::paneStateNow(int index) const
+{
+    return QVariantList{
+        TEBMenu[index]->isHidden(), TELabel[index]->text(), encodingMode[index], shownFile[index]};
+}
+
+void DiffWin::showPaneState(int index, const QVariant& state)
+{
+    const QVariantList s = state.toList();
+    if (s.size() != 4)
+        return;
+    TELabel[index]->setText(s[1].toString());
+    TEBMenu[index]->setVisible(!s[0].toBool());
+    encodingMode[index] = s[2].toInt();
+    TEBMenu[index]->setMenuValue(encodingMode[index]);
+    TEBMenu[index]->setCaption(TEBMenu[index]->List(encodingMode[index]));
+    layoutEncodingRow(index);
+    shownFile[index] = s[3].toByteArray();
+    if (shownFile[index].isEmpty()) {
+        shownName[index].clear();
+        titleBox[index]->DeleteAllRows();
+        toolkit::setTooltip(titleBox[index], QString());
+        titleFolders[index].clear();
+        titleBox[index]->setCaption(index == 0 ? globals::kBoxLeft() : globals::kBoxRight());
+    } else {
+        const FolderItem file(shownFile[index]);
+        shownName[index] = file.DisplayName();
+        MakeTitlePopup(titleBox[index], file);
+    }
+    shownState[std::size_t(index)] = state;
+    watchShownFiles(index);
 }
 
 void DiffWin::MakeTitlePopup(BevelButton* button, const FolderItem& file)
@@ -436,18 +471,12 @@ void DiffWin::ClearButton_Action()
 void DiffWin::ClearBoxes()
 {
     for (int index = 0; index < 2; ++index) {
-        // Undo brings the text back.
+        // Undo brings the text back, and its title and encoding row.
         txtBox[index]->replaceText(TextArea::prepare(QString()));
-        titleBox[index]->DeleteAllRows();
-        toolkit::setTooltip(titleBox[index], QString());
-        titleFolders[index].clear();
         initTEMenu(index);
         shownFile[index].clear();
-        shownName[index].clear();
+        showPaneState(index, paneStateNow(index));
     }
-    watchShownFiles();
-    titleBox[0]->setCaption(globals::kBoxLeft());
-    titleBox[1]->setCaption(globals::kBoxRight());
 }
 
 void DiffWin::WinBack_Open()

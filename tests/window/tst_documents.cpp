@@ -474,6 +474,7 @@ void TstDocuments::encodings()
     QTest::keyClick(w->txtBox[0]->focusProxy(), Qt::Key_Z, Qt::ControlModifier);
     QCOMPARE(w->txtBox[0]->Text(), "typed " + kJapanese);
     QVERIFY(w->dirty);
+    QCOMPARE(w->TEBMenu[0]->Caption(), QStringLiteral("ShiftJIS")); // the row it was read under
     w->TEBMenu[0]->setMenuValue(1);
     emit w->TEBMenu[0]->Action();
 
@@ -629,11 +630,14 @@ void TstDocuments::clearAll()
     }
     QCOMPARE(w->titleBox[0]->Caption(), globals::kBoxLeft());
     QCOMPARE(w->titleBox[1]->Caption(), globals::kBoxRight());
-    // Undo brings a plain pane's text back; Redo empties it again.
+    // Undo brings a plain pane's text back with its title and row; Redo empties it again.
     QTest::keyClick(w->txtBox[0]->focusProxy(), Qt::Key_Z, Qt::ControlModifier);
     QCOMPARE(w->txtBox[0]->Text(), kJapanese);
+    QCOMPARE(w->titleBox[0]->Caption(), QStringLiteral("a.txt"));
+    QCOMPARE(w->encodingMode[0], 1);
     QTest::keyClick(w->txtBox[0]->focusProxy(), Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
     QCOMPARE(w->txtBox[0]->Text(), QString());
+    QCOMPARE(w->titleBox[0]->Caption(), globals::kBoxLeft());
     // A styled pane's text comes back too, with its styles, after the typing since.
     QTest::keyClicks(w->txtBox[1]->focusProxy(), "ab");
     QTest::keyClick(w->txtBox[1]->focusProxy(), Qt::Key_Z, Qt::ControlModifier);
@@ -641,6 +645,7 @@ void TstDocuments::clearAll()
     QTest::keyClick(w->txtBox[1]->focusProxy(), Qt::Key_Z, Qt::ControlModifier);
     QCOMPARE(w->txtBox[1]->Text(), QStringLiteral("styled"));
     QVERIFY(qobject_cast<QTextEdit*>(w->txtBox[1]->focusProxy()));
+    QVERIFY(w->TEBMenu[1]->isHidden());
     // The bytes last read are kept: a row picked now shows them again.
     w->TEBMenu[0]->setMenuValue(1);
     emit w->TEBMenu[0]->Action();
