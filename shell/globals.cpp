@@ -120,7 +120,7 @@ QString kManualT()
     static const QString manual = QString::fromUtf8(R"manual(Twinly compares two texts line by line.
 (Any file can be read as text.)
 
-◆ The left and right panes hold the two texts. The indicator between them joins each stretch of lines that differs by a yellow band (#FFCC00), from its place on the left to its place on the right; its blue ground (#99CCFF) stands for the lines that are the same. The current difference is drawn in orange, and its lines are selected in both panes. The small boxes at the lower left and lower right show the two colours.
+◆ The left and right panes hold the two texts. The indicator between them joins each stretch of lines that differs by a yellow band (#FFCC00), from its place on the left to its place on the right; its blue ground (#99CCFF) stands for the lines that are the same. The current difference is drawn in orange, and its lines are marked in both panes; within changed lines, the characters that differ are marked more strongly. The small boxes at the lower left and lower right show the two colours.
 
 ◆ "Next" and "Prev" step to the next and the previous difference and show it a few lines below the top of the panes; "Top" and "Btm" go to the beginning and the end. The number between the panes counts the differences, and "All same!" shows when there are none. Click a band to make that difference the current one. Turn the mouse wheel over the indicator to scroll both panes together.
 The View menu does the same from the keyboard: Alt+Home to the top, Alt+Up to the previous difference, Alt+Down to the next, Alt+End to the bottom.

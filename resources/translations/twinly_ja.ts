@@ -57,7 +57,7 @@ That is why these notices are shown; the full licence texts are published on the
         <source>Twinly compares two texts line by line.
 (Any file can be read as text.)
 
-◆ The left and right panes hold the two texts. The indicator between them joins each stretch of lines that differs by a yellow band (#FFCC00), from its place on the left to its place on the right; its blue ground (#99CCFF) stands for the lines that are the same. The current difference is drawn in orange, and its lines are selected in both panes. The small boxes at the lower left and lower right show the two colours.
+◆ The left and right panes hold the two texts. The indicator between them joins each stretch of lines that differs by a yellow band (#FFCC00), from its place on the left to its place on the right; its blue ground (#99CCFF) stands for the lines that are the same. The current difference is drawn in orange, and its lines are marked in both panes; within changed lines, the characters that differ are marked more strongly. The small boxes at the lower left and lower right show the two colours.
 
 ◆ &quot;Next&quot; and &quot;Prev&quot; step to the next and the previous difference and show it a few lines below the top of the panes; &quot;Top&quot; and &quot;Btm&quot; go to the beginning and the end. The number between the panes counts the differences, and &quot;All same!&quot; shows when there are none. Click a band to make that difference the current one. Turn the mouse wheel over the indicator to scroll both panes together.
 The View menu does the same from the keyboard: Alt+Home to the top, Alt+Up to the previous difference, Alt+Down to the next, Alt+End to the bottom.
@@ -93,7 +93,7 @@ HTML and other files are shown as plain text; PNG and JPEG pictures, PDF, movies
         <translation>行単位でテキストを比較するユーティリティです。
 （どんなファイルもテキストとして読み込めます。）
 
-◆ 左右のペインに二つのテキストを表示します。間にあるインジケータは、内容の異なる行の範囲を、左の位置から右の位置まで黄色の帯（#FFCC00）で結びます。青の地（#99CCFF）は同じ行を表します。現在の相違はオレンジ色で描かれ、その行が左右のペインで選択されます。左下と右下の小さな枠が二つの色の見本です。
+◆ 左右のペインに二つのテキストを表示します。間にあるインジケータは、内容の異なる行の範囲を、左の位置から右の位置まで黄色の帯（#FFCC00）で結びます。青の地（#99CCFF）は同じ行を表します。現在の相違はオレンジ色で描かれ、その行が左右のペインで色付けされます。変更された行の中の異なる文字は、さらに濃く色付けされます。左下と右下の小さな枠が二つの色の見本です。
 
 ◆ 「次へ」「前へ」で次・前の相違に移動し、ペインの上端から数行下に表示します。「先頭」「末尾」で先頭・末尾に移動します。ペインの間の数字は相違の数で、相違がないときは「相違なし」と表示されます。帯をクリックすると、その相違が現在の相違になります。インジケータの上でマウスホイールを回すと、左右のペインが一緒にスクロールします。
 「表示」メニューでもキーボードから同じ操作ができます：Alt+Home で先頭、Alt+↑ で前の相違、Alt+↓ で次の相違、Alt+End で末尾へ移動します。
