@@ -1,6 +1,7 @@
 #include "PlainPane.h"
 
 #include "MenuBar.h"
+#include "Style.h"
 
 #include <QAccessibleWidget>
 #include <QApplication>
@@ -679,10 +680,7 @@ void PlainPane::paintMarks(QPainter& p, qsizetype first, qsizetype last, qreal l
 {
     if (markFirst < 0 && marked.empty())
         return;
-    QColor line = palette().color(QPalette::Active, QPalette::Highlight);
-    QColor strong = line;
-    line.setAlpha(48);
-    strong.setAlpha(112);
+    const auto [line, strong] = markColours(this);
     const qreal width = viewport()->width();
     const auto top = [&](qsizetype l) { return kTop + qreal(l - first) * metricsHeight; };
     if (markCount == 0 && markFirst >= first && markFirst <= last + 1) {

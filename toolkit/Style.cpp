@@ -46,6 +46,15 @@ void showTooltipNow(QWidget* w)
     QToolTip::showText(QCursor::pos(), w->toolTip(), w, QRect(), 60'000);
 }
 
+MarkColours markColours(const QWidget* w)
+{
+    MarkColours c{w->palette().color(QPalette::Active, QPalette::Highlight), {}};
+    c.strong = c.line;
+    c.line.setAlpha(48);
+    c.strong.setAlpha(112);
+    return c;
+}
+
 void hideTooltip()
 {
     QToolTip::hideText();

@@ -28,4 +28,12 @@ void setTooltip(QWidget* w, const QString& text);
 void showTooltipNow(QWidget* w);
 void hideTooltip();
 
+// The tints behind marked text, from the widget's selection colour, so that they read in light
+// and dark palettes alike: `line` for whole lines, `strong` for stretches within them.
+struct MarkColours
+{
+    QColor line, strong;
+};
+MarkColours markColours(const QWidget* w);
+
 } // namespace toolkit

@@ -224,12 +224,9 @@ void TextArea::setText(const PreparedText& text)
 
 void TextArea::replaceText(const PreparedText& text)
 {
-    if (!rich) {
-        ++fills;
-        plain->replaceStore(text.lines ? *text.lines : LineStore());
-        return;
-    }
     ++fills;
+    if (!rich)
+        return plain->replaceStore(text.lines ? *text.lines : LineStore());
     richAsideState = plain->stateNow ? plain->stateNow() : QVariant();
     putRichAside();
     // The plain pane starts clean: its first Undo brings the styled text back.
@@ -629,10 +626,7 @@ std::vector<LineSpan> TextArea::spans() const
 // without lines gets no mark here: the editor has no way to draw one between its lines.
 void TextArea::markRich()
 {
-    QColor line = palette().color(QPalette::Active, QPalette::Highlight);
-    QColor strong = line;
-    line.setAlpha(48);
-    strong.setAlpha(112);
+    const auto [line, strong] = markColours(this);
     QList<QTextEdit::ExtraSelection> marks;
     const auto mark = [&](int from, int to, const QColor& colour, bool wholeWidth) {
         QTextEdit::ExtraSelection m;
