@@ -1,5 +1,7 @@
 #include "KeptBytes.h"
 
+#include <QStringEncoder>
+
 #include <algorithm>
 #include <utility>
 
@@ -15,26 +17,16 @@ std::string KeptBytes::bytes() const
 
 void appendUtf8(std::string& out, std::u16string_view text)
 {
-    const std::size_t n = text.size();
-    for (std::size_t i = 0; i < n; ++i) {
-        char32_t c = text[i];
-        if (c < 0x80) {
-            out.push_back(char(c));
-            continue;
-        }
-        if (QChar::isHighSurrogate(c) && i + 1 < n && QChar::isLowSurrogate(text[i + 1]))
-            c = QChar::surrogateToUcs4(char16_t(c), text[++i]);
-        if (c < 0x800) {
-            out.push_back(char(0xC0 | (c >> 6)));
-        } else if (c < 0x10000) {
-            out.push_back(char(0xE0 | (c >> 12)));
-            out.push_back(char(0x80 | ((c >> 6) & 0x3F)));
-        } else {
-            out.push_back(char(0xF0 | (c >> 18)));
-            out.push_back(char(0x80 | ((c >> 12) & 0x3F)));
-            out.push_back(char(0x80 | ((c >> 6) & 0x3F)));
-        }
-        out.push_back(char(0x80 | (c & 0x3F)));
+    // Qt's encoder writes straight into the string's room, a piece at a time so that the room
+    // it asks for (three bytes a unit) stays small; it carries a pair cut between pieces over.
+    QStringEncoder encoder(QStringEncoder::Utf8);
+    constexpr std::size_t kPiece = 1 << 16;
+    for (std::size_t at = 0; at < text.size(); at += kPiece) {
+        const QStringView piece(text.substr(at, kPiece));
+        const std::size_t used = out.size();
+        out.resize(used + std::size_t(encoder.requiredSpace(piece.size())));
+        char* end = encoder.appendToBuffer(out.data() + used, piece);
+        out.resize(std::size_t(end - out.data()));
     }
 }
 
