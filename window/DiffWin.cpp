@@ -333,14 +333,12 @@ bool DiffWin::updateDiffCanvas()
     for (const SeqDiff::Difference& d :
         bandsHidden ? std::span<const SeqDiff::Difference>() : std::span(diffs)) {
         const indicator::Band band = indicator::bandOf(d, left, right);
+        // A click may make this one current.
+        if (!band.inverted() && canvasClicked)
+            clickBand(band, diffIndex);
         if (curLine != -1 && curLine == d.DeletedStart())
             current = &d;
         if (!band.inverted()) {
-            if (canvasClicked)
-                clickBand(band, diffIndex);
-            // A click may just have made this one current.
-            if (curLine != -1 && curLine == d.DeletedStart())
-                current = &d;
             const unsigned colour = current == &d ? kCurrentColour : kDiffColour;
             g.setForeColor(colour);
             g.FillPolygon(indicator::fillPolygon(band, int(g.Width())));
